@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/WString.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace qf {
+
+// Kind of feed, by its top-level element.
+enum FeedType : int32_t {
+    kFeedUnknown = 0,
+    kFeedRdf = 1,
+    kFeedRss = 2,
+    kFeedAtom = 3,
+};
+
+inline constexpr std::size_t kCharsetNameLimit = 260;
+
+// "rdf:RDF" 1, "rss" 2, "feed" 3, compared ignoring case; anything else 0.
+int32_t DetectFeedType(std::u16string_view elementName);
+
+// Looks a feed's language up in the short table of languages that pick a code page. Both outputs
+// are reset first; answers whether the language matched.
+bool LanguageToCodePage(const WString& language, int32_t& codePage, std::u16string& charsetName,
+                        std::size_t nameLimit = kCharsetNameLimit);
+
+// "windows-N" gives N, "iso-8859-P" the Windows code page of that part; everything else 0.
+int32_t CharsetToCodePage(const WString& charsetName);
+
+// Converts bytes (up to the first NUL) in a Windows code page to UTF-16; code page 0 is the
+// configured default character set. Invalid input becomes U+FFFD. At most outLimit - 1 units are
+// written (the limit counts the terminator of the buffers this mirrors).
+std::u16string BytesToWide(std::string_view bytes, int32_t codePage,
+                           std::size_t outLimit = std::u16string::npos);
+
+// The mirror image; characters the code page cannot hold become '?'.
+std::string WideToBytes(std::u16string_view text, int32_t codePage,
+                        std::size_t outLimit = std::string::npos);
+
+} // namespace qf

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/Clock.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace qf {
+
+// Every date of the program: parsed leniently from RFC 822 and ISO 8601 feed texts into UTC,
+// written to files as RFC 822 text and shown in a short local form. The parsing quirks are
+// part of what users and files rely on; see FeedDate.cpp.
+class FeedDate {
+public:
+    FeedDate() = default;
+
+    // Parses a feed date; on failure the date is cleared and false is answered.
+    bool Parse(std::u16string_view text);
+    bool Parse(std::string_view text);
+
+    // Stores the fields; with zoneHours 0 they are normalised (day of week filled, 30 February
+    // rolled into March), otherwise zoneHours hours are added to reach UTC.
+    void SetFields(int year, int month, int day, int hour, int minute, int second, int zoneHours);
+    void AddHours(int64_t hours);
+    void SetFromSystemTime(const SystemTime& time);
+    void Clear() { *this = FeedDate(); }
+
+    bool valid() const { return valid_ != 0; }
+    const SystemTime& time() const { return time_; }
+
+    // 100-nanosecond intervals since 1 January 1601 UTC.
+    int64_t Ticks() const;
+    static int64_t SecondsBetween(const FeedDate& a, const FeedDate& b);
+
+    static FeedDate NowUtc();
+    static SystemTime NowLocal();
+    static int MonthNumber(std::string_view name);
+    static int ZoneHours(std::string_view zone);
+    static SystemTime ToLocal(const SystemTime& utc);
+
+    // "Mon, 22 Oct 2007 22:16:44 GMT"; empty (and false) for an empty date.
+    bool FormatRfc822(std::string& out, std::size_t limit = 1040) const;
+    std::u16string FormatRfc822() const;
+    // "10/22/07 10:16 PM" in local time; empty (and false) for an empty date.
+    bool FormatShortLocal(std::string& out, std::size_t limit = 1040) const;
+    std::u16string FormatShortLocal() const;
+
+    friend bool operator==(const FeedDate&, const FeedDate&) = default;
+
+private:
+    SystemTime time_;
+    int32_t valid_ = 0;
+};
+
+} // namespace qf
