@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+namespace qf {
+
+// Writes `bytes` to a temporary file in the same folder as `path`, flushes it to disk and renames
+// it over `path`, so that a crash at any moment leaves either the old file or the new one. The
+// folder must exist. Answers false (and leaves `path` untouched) on any failure.
+bool WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes);
+
+// Turns a program path (UTF-16 text, '/' separated) into a file-system path, and back.
+std::filesystem::path ToFsPath(std::u16string_view path);
+std::u16string FromFsPath(const std::filesystem::path& path);
+
+} // namespace qf
