@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace qf {
@@ -62,13 +63,12 @@ bool WriteFileAtomically(const std::filesystem::path& path, std::string_view byt
     if (fd.get() < 0) {
         return false;
     }
-    // mkstemp makes the file private; a store or settings file gets the usual permissions.
-    ::fchmod(
-        fd.get(), 0644 & ~[] {
-            const mode_t mask = ::umask(0);
-            ::umask(mask);
-            return mask;
-        }());
+    // mkstemp makes the file readable by its owner only, which suits a store that holds channel
+    // passwords; a file that already exists keeps the permissions its owner gave it.
+    struct stat old {};
+    if (::stat(path.c_str(), &old) == 0) {
+        ::fchmod(fd.get(), old.st_mode & 07777);
+    }
     const bool written = WriteAll(fd.get(), bytes) && ::fsync(fd.get()) == 0;
     if (!fd.close() || !written || ::rename(temp.c_str(), path.c_str()) != 0) {
         ::unlink(temp.c_str());
