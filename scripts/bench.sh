@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # scripts/bench.sh [BENCH...]: builds the benchmarks optimised and runs them (all by default).
 set -euo pipefail
+shopt -s nullglob
 source "$(dirname "$0")/common.sh"
 qf_ensure_packages "${QF_PACKAGES[@]}"
 dir="$QF_ROOT/build-bench"

@@ -3,6 +3,7 @@
 # for SECONDS (default 60) from its seed corpus under fuzz/corpus/<name>. New inputs stay in a
 # scratch folder; a crash leaves its reproducer in build-fuzz/artifacts.
 set -euo pipefail
+shopt -s nullglob
 source "$(dirname "$0")/common.sh"
 seconds=${1:-60}
 shift || true
