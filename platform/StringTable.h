@@ -10,9 +10,12 @@ std::u16string_view LoadString(int id);
 
 // The numbers the core itself uses.
 enum StringId : int {
+    kStrProductName = 101,
     kStrDefaultCategory = 40227,
     kStrDownloadFailed = 40244,
     kStrParseFailed = 40245,
+    kStrWelcomeGreeting = 40258,
+    kStrWelcomeContinueHint = 40259,
 };
 
 } // namespace qf

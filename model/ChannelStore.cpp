@@ -1,0 +1,181 @@
+#include "model/ChannelStore.h"
+
+#include "platform/StringTable.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace qf {
+
+namespace {
+
+constexpr int32_t kMaxId = std::numeric_limits<int32_t>::max();
+
+// One more than `id`, held at the largest id rather than wrapping into negative ids.
+int32_t IdAfter(int32_t id) {
+    return id < kMaxId ? id + 1 : kMaxId;
+}
+
+// Whether more than `seconds` whole seconds have passed since `since`. A date never set lies
+// infinitely far back.
+bool LongerAgoThan(const FeedDate& since, int64_t seconds) {
+    if (!since.valid()) {
+        return true;
+    }
+    return FeedDate::SecondsBetween(FeedDate::NowUtc(), since) > seconds;
+}
+
+} // namespace
+
+void ChannelStore::IncrementNextId() {
+    nextId_ = IdAfter(nextId_);
+}
+
+int32_t ChannelStore::TakeNextId() {
+    const int32_t id = nextId_;
+    IncrementNextId();
+    return id;
+}
+
+Category* ChannelStore::CategoryAt(int32_t index) const {
+    if (index < 0 || static_cast<std::size_t>(index) >= categories_.size()) {
+        return nullptr;
+    }
+    return categories_[static_cast<std::size_t>(index)].get();
+}
+
+Category* ChannelStore::AddCategory(std::unique_ptr<Category> category) {
+    if (!category) {
+        return nullptr;
+    }
+    categories_.push_back(std::move(category));
+    return categories_.back().get();
+}
+
+Category* ChannelStore::FindCategory(std::u16string_view name) const {
+    const auto it = std::find_if(categories_.begin(), categories_.end(), [name](const auto& c) {
+        return c && EqualsIgnoreCase(c->name().view(), name);
+    });
+    return it != categories_.end() ? it->get() : nullptr;
+}
+
+Category& ChannelStore::DefaultCategory() {
+    const std::u16string_view name = LoadString(kStrDefaultCategory);
+    if (Category* existing = FindCategory(name)) {
+        return *existing;
+    }
+    return *AddCategory(std::make_unique<Category>(WString(name)));
+}
+
+void ChannelStore::AssignLoadedId(Channel& channel, std::optional<int32_t> storedId) {
+    if (!storedId) {
+        return;
+    }
+    if (*storedId != 0) {
+        channel.SetId(*storedId);
+        nextId_ = std::max(nextId_, IdAfter(*storedId));
+    } else {
+        channel.SetId(TakeNextId());
+    }
+}
+
+void ChannelStore::RecomputeNextId() {
+    int32_t largest = 0;
+    for (const auto& category : categories_) {
+        for (const auto& channel : category->channels()) {
+            if (channel) {
+                largest = std::max(largest, channel->id());
+            }
+        }
+    }
+    nextId_ = IdAfter(largest);
+}
+
+Category& ChannelStore::CategoryForNewChannel() {
+    if (categories_.empty()) {
+        return DefaultCategory();
+    }
+    if (Category* shown = CategoryAt(categoryId_)) {
+        return *shown;
+    }
+    return *categories_.front();
+}
+
+Channel* ChannelStore::AddChannel(const WString& xmlUrl, const WString& title) {
+    Category& target = CategoryForNewChannel();
+    if (target.FindChannel(xmlUrl.view()) != nullptr) {
+        return nullptr;
+    }
+    auto channel = std::make_unique<Channel>();
+    channel->SetXmlUrl(xmlUrl);
+    channel->SetTitle(title);
+    channel->SetUpdateValue(updateValue_);
+    channel->SetUpdateUnit(updateUnit_);
+    channel->SetId(TakeNextId());
+    return target.AddChannel(std::move(channel));
+}
+
+bool ChannelStore::MergeCategories(const CategoryList& source) {
+    for (const auto& from : source) {
+        if (!from || from->channels().empty()) {
+            continue;
+        }
+        Category* into = FindCategory(from->name().view());
+        if (into == nullptr) {
+            into = AddCategory(std::make_unique<Category>(from->name()));
+        }
+        for (const auto& channel : from->channels()) {
+            if (!channel || into->FindChannel(channel->xmlUrl().view()) != nullptr) {
+                continue;
+            }
+            auto copy = std::make_unique<Channel>();
+            copy->CopyFrom(*channel, false);
+            if (copy->id() == 0) {
+                copy->SetId(TakeNextId());
+            }
+            into->AddChannel(std::move(copy));
+        }
+    }
+    return true;
+}
+
+std::unique_ptr<Channel> ChannelStore::RemoveChannel(const Channel* channel) {
+    if (Category* shown = CategoryAt(categoryId_)) {
+        return shown->RemoveChannel(channel);
+    }
+    for (const auto& category : categories_) {
+        if (auto removed = category->RemoveChannel(channel)) {
+            return removed;
+        }
+    }
+    return nullptr;
+}
+
+bool ChannelStore::Contains(std::u16string_view xmlUrl) const {
+    return std::any_of(categories_.begin(), categories_.end(), [xmlUrl](const auto& category) {
+        return category->FindChannel(xmlUrl) != nullptr;
+    });
+}
+
+bool ChannelStore::IsChannelDue(const Channel& channel) const {
+    // A channel's own value brings its own unit, even an unset one (which then counts seconds).
+    const int64_t interval = channel.updateValue() != kIntervalNotSet
+                                 ? IntervalSeconds(channel.updateValue(), channel.updateUnit())
+                                 : IntervalSeconds(updateValue_, updateUnit_);
+    return LongerAgoThan(channel.updateTime(), interval);
+}
+
+bool ChannelStore::HasChannelDue() const {
+    return std::any_of(categories_.begin(), categories_.end(), [this](const auto& category) {
+        return std::any_of(
+            category->channels().begin(), category->channels().end(),
+            [this](const auto& channel) { return channel && IsChannelDue(*channel); });
+    });
+}
+
+bool ChannelStore::IsAutoUpdateDue() const {
+    return LongerAgoThan(updateDate_, IntervalSeconds(updateValue_, updateUnit_));
+}
+
+} // namespace qf

@@ -1,0 +1,163 @@
+#pragma once
+
+#include "model/Category.h"
+#include "parse/FeedDate.h"
+#include "platform/WString.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qf {
+
+// Sort keys of the news list.
+enum SortBy : int32_t {
+    kSortNone = 0,
+    kSortByDate = 1,
+    kSortByStatus = 2,
+};
+
+// The volume path of main memory; storage cards are "\\" followed by the card's folder name.
+inline constexpr std::u16string_view kMainMemoryVolume = u"\\";
+// Text size levels run from 0 (smallest) to 4 (largest).
+inline constexpr int32_t kTextSizeMedium = 2;
+
+// The reader's whole model: the categories with their channels, the options kept in the channel
+// store file, the viewer settings, and the flags through which the refresh engine and the screens
+// coordinate. The store owns its categories.
+class ChannelStore {
+public:
+    using CategoryList = std::vector<std::unique_ptr<Category>>;
+
+    ChannelStore() = default;
+    ChannelStore(const ChannelStore&) = delete;
+    ChannelStore& operator=(const ChannelStore&) = delete;
+
+    // Options kept in the channel store file.
+    int32_t nextId() const { return nextId_; }
+    int32_t newChannels() const { return newChannels_; }
+    int32_t categoryId() const { return categoryId_; }
+    int32_t sortBy() const { return sortBy_; }
+    int32_t sortOrder() const { return sortOrder_; }
+    int32_t newHeadlines() const { return newHeadlines_; }
+    int32_t autoUpdate() const { return autoUpdate_; }
+    int32_t updateValue() const { return updateValue_; }
+    int32_t updateUnit() const { return updateUnit_; }
+    const FeedDate& updateDate() const { return updateDate_; }
+    void SetNextId(int32_t id) { nextId_ = id; }
+    void IncrementNextId();
+    void SetNewChannels(int32_t value) { newChannels_ = value; }
+    void SetCategoryId(int32_t index) { categoryId_ = index; }
+    void SetSortBy(int32_t key) { sortBy_ = key; }
+    void SetSortOrder(int32_t order) { sortOrder_ = order; }
+    void SetNewHeadlines(int32_t value) { newHeadlines_ = value; }
+    void SetAutoUpdate(int32_t value) { autoUpdate_ = value; }
+    void SetUpdateValue(int32_t value) { updateValue_ = value; }
+    void SetUpdateUnit(int32_t unit) { updateUnit_ = unit; }
+    void SetUpdateDate(const FeedDate& date) { updateDate_ = date; }
+
+    // Viewer settings.
+    const WString& storageVolume() const { return storageVolume_; }
+    int32_t fitToScreen() const { return fitToScreen_; }
+    int32_t clearType() const { return clearType_; }
+    int32_t textSize() const { return textSize_; }
+    int32_t showImages() const { return showImages_; }
+    int32_t addressBar() const { return addressBar_; }
+    void SetStorageVolume(const WString& volume) { storageVolume_.set(volume); }
+    void SetFitToScreen(int32_t value) { fitToScreen_ = value; }
+    void SetClearType(int32_t value) { clearType_ = value; }
+    void SetTextSize(int32_t value) { textSize_ = value; }
+    void SetShowImages(int32_t value) { showImages_ = value; }
+    void SetAddressBar(int32_t value) { addressBar_ = value; }
+
+    // Full path of the channel store file; empty until it is first worked out.
+    const std::u16string& channelStorePath() const { return channelStorePath_; }
+    void SetChannelStorePath(std::u16string path) { channelStorePath_ = std::move(path); }
+
+    // Run-time flags, never saved. `loaded` belongs to the main thread; the other three are
+    // written by one thread and polled by another.
+    int32_t loaded() const { return loaded_; }
+    void SetLoaded(int32_t loaded) { loaded_ = loaded; }
+    std::atomic<int32_t>& busy() { return busy_; }
+    const std::atomic<int32_t>& busy() const { return busy_; }
+    std::atomic<int32_t>& stopRequested() { return stopRequested_; }
+    const std::atomic<int32_t>& stopRequested() const { return stopRequested_; }
+    std::atomic<int32_t>& abortRequested() { return abortRequested_; }
+    const std::atomic<int32_t>& abortRequested() const { return abortRequested_; }
+
+    const CategoryList& categories() const { return categories_; }
+    CategoryList& categories() { return categories_; }
+    // The category at `index`, or nullptr outside the list.
+    Category* CategoryAt(int32_t index) const;
+    Category* AddCategory(std::unique_ptr<Category> category);
+    // The first category whose name equals `name`, ignoring case.
+    Category* FindCategory(std::u16string_view name) const;
+    // The category named "Default", appended first when there is none.
+    Category& DefaultCategory();
+
+    // Gives a channel read from the store file its id. `storedId` is the file's value, or nullopt
+    // when the file gives none (the channel then keeps 0); a stored 0 takes the next free id.
+    void AssignLoadedId(Channel& channel, std::optional<int32_t> storedId);
+    // Sets nextID to one more than the largest channel id (1 with no channels, or none above 0).
+    // The loader calls it when the file left nextID at 0.
+    void RecomputeNextId();
+
+    // Subscribes to one feed in the category shown (the first one when none is shown), giving it
+    // the store's interval and the next id. Answers nullptr when that category already holds the
+    // address, ignoring case.
+    Channel* AddChannel(const WString& xmlUrl, const WString& title);
+    // Adds copies of the source's channels (without stories) to the categories of the same names,
+    // creating missing ones and passing over addresses a category already holds. The source stays
+    // with the caller.
+    bool MergeCategories(const CategoryList& source);
+    // Takes `channel` out of the category shown, or out of whichever category holds it when none
+    // is shown, and hands it to the caller; nullptr when it is not found there.
+    std::unique_ptr<Channel> RemoveChannel(const Channel* channel);
+    // Whether any channel has this address, ignoring case.
+    bool Contains(std::u16string_view xmlUrl) const;
+
+    // Whether more whole seconds than the channel's interval (or the store's, when the channel has
+    // none of its own) have passed since the channel was last updated.
+    bool IsChannelDue(const Channel& channel) const;
+    // Whether any channel is due.
+    bool HasChannelDue() const;
+    // Whether the store-wide automatic update is due: never run, or longer ago than the interval.
+    bool IsAutoUpdateDue() const;
+
+private:
+    int32_t TakeNextId();
+    Category& CategoryForNewChannel();
+
+    int32_t nextId_ = 0;
+    CategoryList categories_;
+    int32_t newChannels_ = 0;
+    int32_t categoryId_ = -1;
+    int32_t sortBy_ = kSortNone;
+    int32_t sortOrder_ = 0;
+    int32_t newHeadlines_ = 0;
+    int32_t autoUpdate_ = 0;
+    // One hour unless the store file says otherwise.
+    int32_t updateValue_ = 1;
+    int32_t updateUnit_ = kUnitHours;
+    FeedDate updateDate_;
+
+    WString storageVolume_{kMainMemoryVolume};
+    int32_t fitToScreen_ = 1;
+    int32_t clearType_ = 1;
+    int32_t textSize_ = kTextSizeMedium;
+    int32_t showImages_ = 1;
+    int32_t addressBar_ = 1;
+
+    std::u16string channelStorePath_;
+
+    int32_t loaded_ = 0;
+    std::atomic<int32_t> busy_{0};
+    std::atomic<int32_t> stopRequested_{0};
+    std::atomic<int32_t> abortRequested_{0};
+};
+
+} // namespace qf
