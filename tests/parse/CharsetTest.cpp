@@ -1,0 +1,210 @@
+#include "parse/Charset.h"
+
+#include "support/TestEnv.h"
+
+#include <optional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace qf {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr const char* kDefaultVariable = "QUILLFEED_CODEPAGE";
+
+TEST(DetectFeedType, ComparesTheWholeRootNameIgnoringCase) {
+    EXPECT_EQ(DetectFeedType(u"RSS"), kFeedRss);
+    EXPECT_EQ(DetectFeedType(u"Rss"), kFeedRss);
+    EXPECT_EQ(DetectFeedType(u"rdf:rdf"), kFeedRdf);
+    EXPECT_EQ(DetectFeedType(u"Feed"), kFeedAtom);
+    EXPECT_EQ(DetectFeedType(u"atom:feed"), kFeedUnknown);
+    EXPECT_EQ(DetectFeedType(u"RDF"), kFeedUnknown);
+    EXPECT_EQ(DetectFeedType(u"opml"), kFeedUnknown);
+    EXPECT_EQ(DetectFeedType(u"rss "), kFeedUnknown);
+    EXPECT_EQ(DetectFeedType(u""), kFeedUnknown);
+}
+
+struct LanguageResult {
+    bool matched;
+    int32_t codePage;
+    std::u16string charsetName;
+};
+
+LanguageResult LookUpLanguage(const WString& language) {
+    LanguageResult result{false, -1, u"stale"};
+    result.matched = LanguageToCodePage(language, result.codePage, result.charsetName);
+    return result;
+}
+
+TEST(LanguageToCodePage, RussianAcceptsARegionOnlyAfterLowerCaseRu) {
+    for (const char16_t* language : {u"ru", u"RU", u"ru-RU", u"ru-ua"}) {
+        const LanguageResult result = LookUpLanguage(language);
+        EXPECT_TRUE(result.matched) << WString(language).toUtf8();
+        EXPECT_EQ(result.codePage, 1251);
+        EXPECT_EQ(result.charsetName, u"windows-1251");
+    }
+    for (const char16_t* language : {u"RU-ru", u"Ru-RU", u"ru_RU", u"rus"}) {
+        EXPECT_FALSE(LookUpLanguage(language).matched) << WString(language).toUtf8();
+    }
+}
+
+TEST(LanguageToCodePage, AsianLanguagesMatchOnlyWhenWrittenBare) {
+    EXPECT_EQ(LookUpLanguage(u"zh-CN").codePage, 936);
+    EXPECT_EQ(LookUpLanguage(u"ZH-TW").codePage, 950);
+    EXPECT_EQ(LookUpLanguage(u"Ja").codePage, 932);
+    const LanguageResult korean = LookUpLanguage(u"ko");
+    EXPECT_TRUE(korean.matched);
+    EXPECT_EQ(korean.charsetName, u"windows-949");
+
+    for (const char16_t* language : {u"ja-jp", u"ko-KR", u"zh", u"en", u""}) {
+        const LanguageResult result = LookUpLanguage(language);
+        EXPECT_FALSE(result.matched) << WString(language).toUtf8();
+        EXPECT_EQ(result.codePage, 0);
+        EXPECT_EQ(result.charsetName, u"");
+    }
+    EXPECT_FALSE(LookUpLanguage(WString()).matched);
+}
+
+int32_t CodePageOf(const char16_t* name) {
+    return CharsetToCodePage(WString(name));
+}
+
+TEST(CharsetToCodePage, WindowsNamesGiveTheirLeadingNumber) {
+    EXPECT_EQ(CodePageOf(u"windows-1251"), 1251);
+    EXPECT_EQ(CodePageOf(u"WINDOWS-874"), 874);
+    EXPECT_EQ(CodePageOf(u"windows-1252x"), 1252);
+    EXPECT_EQ(CodePageOf(u"windows-0"), 0);
+    EXPECT_EQ(CodePageOf(u"windows-"), 0);
+    EXPECT_EQ(CodePageOf(u"windows"), 0);
+    EXPECT_EQ(CodePageOf(u"windows-x1252"), 0);
+}
+
+TEST(CharsetToCodePage, IsoNamesNeedPart8859AndAKnownPart) {
+    EXPECT_EQ(CodePageOf(u"iso-8859-1"), 1252);
+    EXPECT_EQ(CodePageOf(u"ISO-8859-5"), 1251);
+    EXPECT_EQ(CodePageOf(u"iso-8859-15"), 1252);
+    EXPECT_EQ(CodePageOf(u"iso-8859-2"), 1250);
+    EXPECT_EQ(CodePageOf(u"iso-8859-9"), 1254);
+    EXPECT_EQ(CodePageOf(u"iso-8859-10"), 0);
+    EXPECT_EQ(CodePageOf(u"iso-8859"), 0);
+    EXPECT_EQ(CodePageOf(u"iso8859-1"), 0);
+    EXPECT_EQ(CodePageOf(u"iso-2022-jp"), 0);
+}
+
+TEST(CharsetToCodePage, OtherFamiliesAndMissingNamesGiveZero) {
+    for (const char16_t* name :
+         {u"utf-8", u"UTF-16", u"koi8-r", u"euc-jp", u"us-ascii", u"big5", u"shift_jis", u""}) {
+        EXPECT_EQ(CodePageOf(name), 0) << WString(name).toUtf8();
+    }
+    EXPECT_EQ(CharsetToCodePage(WString()), 0);
+}
+
+// Every conversion test pins the default character set, whatever the environment running it.
+class CodePageConversion : public ::testing::Test {
+protected:
+    test::EnvVar defaultCharset_{kDefaultVariable, std::nullopt};
+};
+
+TEST_F(CodePageConversion, EachMappedCodePageConvertsBothWays) {
+    const struct {
+        int32_t codePage;
+        std::u16string text;
+        std::string bytes;
+    } samples[] = {
+        {874, u"ก", "\xa1"},      {932, u"日本", "\x93\xfa\x96\x7b"},
+        {936, u"中", "\xd6\xd0"}, {949, u"한", "\xc7\xd1"},
+        {950, u"中", "\xa4\xa4"}, {1250, u"ł", "\xb3"},
+        {1251, u"Ж", "\xc6"},     {1252, u"é€", "\xe9\x80"},
+        {1253, u"Ω", "\xd9"},     {1254, u"ş", "\xfe"},
+        {1255, u"א", "\xe0"},     {1256, u"ع", "\xda"},
+        {1257, u"ą", "\xe0"},     {1258, u"₫", "\xfe"},
+    };
+    for (const auto& sample : samples) {
+        EXPECT_EQ(WideToBytes(sample.text, sample.codePage), sample.bytes) << sample.codePage;
+        EXPECT_EQ(BytesToWide(sample.bytes, sample.codePage), sample.text) << sample.codePage;
+    }
+    EXPECT_EQ(BytesToWide("ASCII \\~", 932), u"ASCII \\~");
+    EXPECT_EQ(BytesToWide("caf\xc3\xa9 \xf0\x9f\x98\x80", 0), u"café \U0001F600");
+}
+
+TEST_F(CodePageConversion, BrokenInputBecomesReplacementCharactersAndConversionGoesOn) {
+    EXPECT_EQ(BytesToWide("a\xff-\xa0-", 932), u"a\uFFFD-\uFFFD-");
+    EXPECT_EQ(BytesToWide("\x93\xfa\x93", 932), u"日\uFFFD");
+    EXPECT_EQ(BytesToWide("x\x98y", 1251), u"x\uFFFDy");
+    // The Hebrew code page holds a letter back in case a vowel mark follows it.
+    EXPECT_EQ(BytesToWide("\xe0\xff\xe1", 1255), u"א\uFFFDב");
+    EXPECT_EQ(BytesToWide("a\xc3(b\xe6\x9d", 0), u"a\uFFFD(b\uFFFD\uFFFD");
+}
+
+TEST_F(CodePageConversion, UnmappableCharactersAndLoneSurrogatesBecomeQuestionMarks) {
+    EXPECT_EQ(WideToBytes(u"Ж日ы", 1251), "\xc6?\xfb");
+    EXPECT_EQ(WideToBytes(u"a\U0001F600b", 1252), "a?b");
+    EXPECT_EQ(WideToBytes(u"a\xD800-\xDC00-\xD800", 1251), "a?-?-?");
+    EXPECT_EQ(WideToBytes(u"\xDC00\xD800", 932), "??");
+    EXPECT_EQ(WideToBytes(u"日\xD800", 0), "\xe6\x97\xa5\xef\xbf\xbd");
+}
+
+TEST_F(CodePageConversion, TextEndsAtTheFirstNul) {
+    EXPECT_EQ(BytesToWide("abc\0def"s, 1251), u"abc");
+    EXPECT_EQ(BytesToWide("\xcf\0\xcf"s, 1251), u"П");
+    EXPECT_EQ(WideToBytes(u"Ж\0Ж"s, 1251), "\xc6");
+}
+
+TEST_F(CodePageConversion, LimitsKeepRoomForATerminatorAndNeverSplitACharacter) {
+    EXPECT_EQ(BytesToWide("abcdef", 0, 4), u"abc");
+    EXPECT_EQ(BytesToWide("abcdef", 0, 1), u"");
+    EXPECT_EQ(BytesToWide("abcdef", 0, 0), u"");
+    EXPECT_EQ(BytesToWide("\xcf\xf0\xe8\xe2", 1251, 3), u"Пр");
+    EXPECT_EQ(BytesToWide("a\xf0\x9f\x98\x80", 0, 3), u"a");
+    EXPECT_EQ(BytesToWide("\x93\xfa\x96\x7b", 932, 2), u"日");
+
+    EXPECT_EQ(WideToBytes(u"日本", 932, 4), "\x93\xfa");
+    EXPECT_EQ(WideToBytes(u"日本", 0, 6), "\xe6\x97\xa5");
+    EXPECT_EQ(WideToBytes(u"Жы", 1251, 2), "\xc6");
+    EXPECT_EQ(WideToBytes(u"abc", 1251, 3), "ab");
+}
+
+TEST_F(CodePageConversion, LongTextsRoundTrip) {
+    std::u16string russian;
+    std::u16string japanese;
+    for (int i = 0; i < 5000; ++i) {
+        russian += u"Ёлка ";
+        japanese += u"東京の天気 ";
+    }
+    EXPECT_EQ(BytesToWide(WideToBytes(russian, 1251), 1251), russian);
+    EXPECT_EQ(BytesToWide(WideToBytes(japanese, 932), 932), japanese);
+    EXPECT_EQ(BytesToWide(WideToBytes(japanese, 0), 0), japanese);
+}
+
+TEST_F(CodePageConversion, UnknownCodePagesFallBackToTheDefault) {
+    for (int32_t codePage : {0, 1, 12345, -1252}) {
+        EXPECT_EQ(BytesToWide("caf\xc3\xa9", codePage), u"café") << codePage;
+        EXPECT_EQ(WideToBytes(u"café", codePage), "caf\xc3\xa9") << codePage;
+    }
+    EXPECT_EQ(BytesToWide("caf\xc3\xa9", 65001), u"café");
+}
+
+TEST_F(CodePageConversion, DefaultCharacterSetFollowsTheEnvironment) {
+    {
+        test::EnvVar russian(kDefaultVariable, "1251");
+        EXPECT_EQ(BytesToWide("\xcf", 0), u"П");
+        EXPECT_EQ(BytesToWide("\xcf", 99999), u"П");
+        EXPECT_EQ(WideToBytes(u"П", 0), "\xcf");
+        EXPECT_EQ(BytesToWide("\xc3\xa9", 65001), u"é");
+    }
+    {
+        test::EnvVar koi8(kDefaultVariable, "KOI8-R");
+        EXPECT_EQ(BytesToWide("\xf0", 0), u"П");
+        EXPECT_EQ(BytesToWide("\xcf", 1251), u"П");
+    }
+    for (const char* unusable : {"no-such-charset", "0", ""}) {
+        test::EnvVar fallback(kDefaultVariable, unusable);
+        EXPECT_EQ(BytesToWide("\xc3\xa9", 0), u"é") << unusable;
+    }
+    EXPECT_EQ(BytesToWide("\xc3\xa9", 0), u"é");
+}
+
+} // namespace
+} // namespace qf
