@@ -32,10 +32,15 @@ constexpr int64_t kTicksPerMillisecond = 10'000;
 constexpr int64_t kTicksPerSecond = 10'000'000;
 constexpr int64_t kTicksPerMinute = 60 * kTicksPerSecond;
 constexpr int64_t kTicksPerHour = 60 * kTicksPerMinute;
+constexpr int64_t kSecondsPerMinute = 60;
+constexpr int64_t kSecondsPerHour = 3'600;
 constexpr int64_t kSecondsPerDay = 86'400;
 constexpr int64_t kTicksPerDay = kSecondsPerDay * kTicksPerSecond;
-// 1 January 1601 was a Monday.
-constexpr int64_t kDayOfWeekOfDayZero = 1;
+// The tick count starts on 1 January 1601, a Monday. The 16-bit calendar fields and the tick
+// count both hold times up to the end of 30827, as on the handheld.
+constexpr int64_t kEpochYear = 1601;
+constexpr int64_t kDayOfWeekOfEpoch = 1;
+constexpr int64_t kYearAfterLast = 30828;
 
 constexpr int64_t FloorDiv(int64_t a, int64_t b) {
     return a / b - ((a % b != 0) && ((a < 0) != (b < 0)) ? 1 : 0);
@@ -53,16 +58,15 @@ constexpr int64_t DayNumberOfMonthStart(int64_t year, int64_t month) {
     return era * 146'097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
 }
 
-constexpr int64_t kDayNumberOf1601 = DayNumberOfMonthStart(1601, 1);
+constexpr int64_t kDayNumberOfEpoch = DayNumberOfMonthStart(kEpochYear, 1);
 
-constexpr int64_t DaysSince1601(int64_t year, int64_t month, int64_t day) {
-    return DayNumberOfMonthStart(year, month) - kDayNumberOf1601 + day - 1;
+constexpr int64_t DaysSinceEpoch(int64_t year, int64_t month, int64_t day) {
+    return DayNumberOfMonthStart(year, month) - kDayNumberOfEpoch + day - 1;
 }
 
-// The largest calendar time the 16-bit fields and the tick count both hold, as on the handheld.
-constexpr int64_t kMaxTicks = DaysSince1601(30828, 1, 1) * kTicksPerDay - 1;
+constexpr int64_t kMaxTicks = DaysSinceEpoch(kYearAfterLast, 1, 1) * kTicksPerDay - 1;
 static_assert(kMaxTicks <= std::numeric_limits<int64_t>::max() - kTicksPerDay);
-static_assert(DaysSince1601(1970, 1, 1) == 134'774);
+static_assert(DaysSinceEpoch(1970, 1, 1) == 134'774);
 
 struct CalendarFields {
     int64_t year, month, day, hour, minute, second, milliseconds;
@@ -70,8 +74,8 @@ struct CalendarFields {
 
 // Out-of-range fields roll over into the next larger unit, so 30 February becomes 2 March.
 int64_t TicksFromFields(const CalendarFields& f) {
-    const int64_t seconds = DaysSince1601(f.year, f.month, f.day) * kSecondsPerDay + f.hour * 3600 +
-                            f.minute * 60 + f.second;
+    const int64_t seconds = DaysSinceEpoch(f.year, f.month, f.day) * kSecondsPerDay +
+                            f.hour * kSecondsPerHour + f.minute * kSecondsPerMinute + f.second;
     const int64_t whole = std::clamp<int64_t>(seconds, 0, kMaxTicks / kTicksPerSecond);
     return std::clamp<int64_t>(whole * kTicksPerSecond + f.milliseconds * kTicksPerMillisecond, 0,
                                kMaxTicks);
@@ -83,7 +87,7 @@ int64_t TicksFromSystemTime(const SystemTime& t) {
 
 SystemTime SystemTimeFromTicks(int64_t ticks) {
     const int64_t days = ticks / kTicksPerDay;
-    const int64_t dayNumber = days + kDayNumberOf1601;
+    const int64_t dayNumber = days + kDayNumberOfEpoch;
     const int64_t era = FloorDiv(dayNumber, 146'097);
     const int64_t dayOfEra = dayNumber - era * 146'097;
     const int64_t yearOfEra =
@@ -96,7 +100,7 @@ SystemTime SystemTimeFromTicks(int64_t ticks) {
     SystemTime t;
     t.year = static_cast<uint16_t>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0));
     t.month = static_cast<uint16_t>(month);
-    t.dayOfWeek = static_cast<uint16_t>((days + kDayOfWeekOfDayZero) % 7);
+    t.dayOfWeek = static_cast<uint16_t>((days + kDayOfWeekOfEpoch) % 7);
     t.day = static_cast<uint16_t>(dayOfYear - (153 * shiftedMonth + 2) / 5 + 1);
     t.hour = static_cast<uint16_t>(rest / kTicksPerHour);
     t.minute = static_cast<uint16_t>(rest % kTicksPerHour / kTicksPerMinute);
@@ -111,11 +115,11 @@ int64_t Advance(int64_t ticks, int64_t count, int64_t unitTicks) {
     return std::clamp<int64_t>(ticks + count * unitTicks, 0, kMaxTicks);
 }
 
+// Day, month and zone names are English, so only ASCII letters fold.
 bool EqualsIgnoreAsciiCase(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return FoldCase(static_cast<unsigned char>(x)) ==
-                      FoldCase(static_cast<unsigned char>(y));
-           });
+    const auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
+                                              [&](char x, char y) { return fold(x) == fold(y); });
 }
 
 // Hours to add to the device's clock reading to correct a summer zone: the daylight bias in
@@ -188,8 +192,8 @@ void ReadRfc822(std::string_view text, DateText& date) {
         date.year = ExpandYear(LeadingDecimal(tokens[3]));
     }
     int* const clock[] = {&date.hour, &date.minute, &date.second};
-    for (std::size_t i = 4; i < count && i < 7; ++i) {
-        *clock[i - 4] = LeadingDecimal(tokens[i]);
+    for (std::size_t i = 0; i < std::size(clock) && 4 + i < count; ++i) {
+        *clock[i] = LeadingDecimal(tokens[4 + i]);
     }
     if (count > 7) {
         date.zone = tokens[7];
@@ -221,7 +225,7 @@ bool ReadIso8601(std::string_view text, DateText& date) {
     std::array<std::string_view, 4> runs;
     const std::size_t runCount = DigitRuns(time, runs);
     int* const clock[] = {&date.hour, &date.minute, &date.second};
-    for (std::size_t i = 0; i < runCount && i < 3; ++i) {
+    for (std::size_t i = 0; i < std::size(clock) && i < runCount; ++i) {
         *clock[i] = LeadingDecimal(runs[i]);
     }
     if (runCount > 3) {
@@ -233,7 +237,8 @@ bool ReadIso8601(std::string_view text, DateText& date) {
 // Hours, minutes and seconds are not checked: they roll over when the date is stored.
 bool IsAcceptable(const DateText& date) {
     return date.year >= kFirstAcceptedYear && date.year <= kLastAcceptedYear && date.month >= 1 &&
-           date.month <= 12 && date.day >= 1 && date.day <= kLastDayNumber;
+           date.month <= static_cast<int>(kMonthNames.size()) && date.day >= 1 &&
+           date.day <= kLastDayNumber;
 }
 
 bool Store(const DateText& date, FeedDate& out) {

@@ -1,5 +1,6 @@
 #include "platform/Clock.h"
 
+#include <algorithm>
 #include <atomic>
 #include <ctime>
 
@@ -32,38 +33,40 @@ public:
     }
 
     // The handheld's bias is standard time's offset, and the daylight bias the extra shift in
-    // summer; derive both from the zone's offsets in January and July of this year.
+    // summer. Both come from the zone's offsets in January, July and now, taken by value
+    // rather than by the isdst flag: the zone data keeps Irish time with winter as the daylight
+    // season, which the handheld would see as standard time with summer an hour ahead.
     TimeZoneInfo timeZone() const override {
+        // localtime_r need not notice a changed TZ on its own.
+        ::tzset();
         const std::time_t now = std::time(nullptr);
         std::tm local{};
         localtime_r(&now, &local);
-        std::tm probe = local;
-        probe.tm_mday = 1;
-        probe.tm_hour = 12;
-        probe.tm_isdst = -1;
-        probe.tm_mon = 0;
-        std::tm january{};
-        std::time_t t = std::mktime(&probe);
-        localtime_r(&t, &january);
-        probe = local;
-        probe.tm_mday = 1;
-        probe.tm_hour = 12;
-        probe.tm_isdst = -1;
-        probe.tm_mon = 6;
-        std::tm july{};
-        t = std::mktime(&probe);
-        localtime_r(&t, &july);
-        const std::tm& standard = january.tm_isdst > 0 ? july : january;
-        const std::tm& summer = january.tm_isdst > 0 ? january : july;
+        // Today's offset joins the probes so that a summer season covering neither probe day
+        // still shows, and the local time always comes out right.
+        const auto [standard, summer] =
+            std::minmax({OffsetOnFirstOf(local, 0), OffsetOnFirstOf(local, 6), local.tm_gmtoff});
 
         TimeZoneInfo zone;
-        zone.biasMinutes = static_cast<int32_t>(-standard.tm_gmtoff / 60);
-        if (summer.tm_isdst > 0) {
-            zone.daylightBiasMinutes =
-                static_cast<int32_t>(-(summer.tm_gmtoff - standard.tm_gmtoff) / 60);
-        }
-        zone.daylightNow = local.tm_isdst > 0;
+        zone.biasMinutes = static_cast<int32_t>(-standard / 60);
+        zone.daylightBiasMinutes = static_cast<int32_t>(-(summer - standard) / 60);
+        zone.daylightNow = summer != standard && local.tm_gmtoff == summer;
         return zone;
+    }
+
+private:
+    // Seconds east of UTC at local noon on the first of `month` in the year of `probe`.
+    static long OffsetOnFirstOf(std::tm probe, int month) {
+        probe.tm_mon = month;
+        probe.tm_mday = 1;
+        probe.tm_hour = 12;
+        probe.tm_min = 0;
+        probe.tm_sec = 0;
+        probe.tm_isdst = -1;
+        const std::time_t t = std::mktime(&probe);
+        std::tm result{};
+        localtime_r(&t, &result);
+        return result.tm_gmtoff;
     }
 };
 
