@@ -9,7 +9,7 @@ QF_PACKAGES=(
   libxml2-dev libcurl4-openssl-dev libssl-dev
   libcli11-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  python3 openssl
+  python3 openssl tzdata
 )
 
 # Installs the given Debian packages that are not installed yet (with sudo when not root).
