@@ -8,11 +8,9 @@ namespace {
 TEST(BrowserLink, LocalPrefixIsRemovedOnlyAtTheVeryStart) {
     EXPECT_EQ(LinkForBrowser(WString(u"qf_http://example.org/a")), u"http://example.org/a");
     EXPECT_EQ(LinkForBrowser(WString(u"http://example.org/qf_a")), u"http://example.org/qf_a");
-    EXPECT_EQ(LinkForBrowser(WString(u" qf_x")), u" qf_x");
     EXPECT_EQ(LinkForBrowser(WString(u"QF_x")), u"QF_x");
     EXPECT_EQ(LinkForBrowser(WString(u"qf_qf_x")), u"qf_x");
     EXPECT_EQ(LinkForBrowser(WString(u"qf_")), u"");
-    EXPECT_EQ(LinkForBrowser(WString(u"qf")), u"qf");
 }
 
 TEST(BrowserLink, StoryWithoutLinkHasNothingToOpen) {

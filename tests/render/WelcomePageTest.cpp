@@ -28,12 +28,10 @@ TEST(WelcomePage, OtherDevicesEndAfterTheGreeting) {
 }
 
 TEST(WelcomePage, NarrowScreensGetTheSmallLogo) {
-    EXPECT_EQ(WelcomeLogo(200), kWelcomeLogoSmall);
-    EXPECT_EQ(WelcomeLogo(219), kWelcomeLogoSmall);
-    EXPECT_EQ(WelcomeLogo(220), kWelcomeLogoLarge);
-    EXPECT_EQ(WelcomeLogo(240), kWelcomeLogoLarge);
-    EXPECT_EQ(kWelcomeLogoSmall, 1053);
-    EXPECT_EQ(kWelcomeLogoLarge, 1041);
+    EXPECT_EQ(WelcomeLogo(200), 1053);
+    EXPECT_EQ(WelcomeLogo(219), 1053);
+    EXPECT_EQ(WelcomeLogo(220), 1041);
+    EXPECT_EQ(WelcomeLogo(240), 1041);
 }
 
 } // namespace
