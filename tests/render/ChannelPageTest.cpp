@@ -1,0 +1,122 @@
+#include "render/ChannelPage.h"
+
+#include "model/Channel.h"
+#include "platform/AtomicFile.h"
+#include "support/TestEnv.h"
+
+#include <gtest/gtest.h>
+
+namespace qf {
+namespace {
+
+constexpr std::u16string_view kBannerStart =
+    u"<html><body bgColor=\"#ffffff\" leftMargin=\"2\" topMargin=\"2\" rightMargin=\"2\" "
+    u"bottomMargin=\"2\"><table border=\"0\" cellPadding=\"0\" cellSpacing=\"0\" "
+    u"width=\"100%\"><tr><td height=\"36\">";
+constexpr std::u16string_view kTitle = u"<b><font color=\"#6898C8\">Daily Planet</font></b>";
+constexpr std::u16string_view kBannerEnd = u"</td></tr></table></body></html>";
+
+// A channel whose 88 x 31 logo is named; the tests decide whether the file is on disk.
+class ChannelPageTest : public ::testing::Test {
+protected:
+    ChannelPageTest() {
+        context_.dataFolder = FromFsPath(dataFolder_.path());
+        channel_.SetTitle(WString(u"Daily Planet"));
+        channel_.image().SetLocalFile(WString(u"Image3.png"));
+        SetLogoSize(88, 31);
+    }
+
+    void PutLogoOnDisk() { test::WriteFileBytes(dataFolder_ / "Image3.png", "\x89PNG"); }
+    void SetLogoSize(int32_t width, int32_t height) {
+        channel_.image().SetWidth(width);
+        channel_.image().SetHeight(height);
+    }
+    std::u16string Picture(std::u16string_view attributes) const {
+        return u"<img src=\"file://" + context_.dataFolder + u"/Image3.png\"" +
+               std::u16string(attributes) + u" >";
+    }
+    std::u16string PocketPcPage(int width = 240, int height = 40) const {
+        return BuildChannelPage(channel_, width, height, false, context_);
+    }
+
+    test::TempDir dataFolder_;
+    PageContext context_;
+    Channel channel_;
+};
+
+TEST_F(ChannelPageTest, PocketPcShowsTitleAndLogoSideBySide) {
+    PutLogoOnDisk();
+    const std::u16string expected = std::u16string(kBannerStart) + std::u16string(kTitle) +
+                                    u"</td><td>" + Picture(u" width=88 height=31 align=right") +
+                                    std::u16string(kBannerEnd);
+    EXPECT_EQ(PocketPcPage(), expected);
+}
+
+TEST_F(ChannelPageTest, SmartphoneShowsLogoAloneAlignedLeft) {
+    PutLogoOnDisk();
+    const std::u16string expected = std::u16string(kBannerStart) +
+                                    Picture(u" width=88 height=31 align=left") +
+                                    std::u16string(kBannerEnd);
+    EXPECT_EQ(BuildChannelPage(channel_, 240, 40, true, context_), expected);
+}
+
+TEST_F(ChannelPageTest, BothFamiliesShowTheTitleAloneWhileTheLogoIsNotOnDisk) {
+    const std::u16string titleOnly =
+        std::u16string(kBannerStart) + std::u16string(kTitle) + std::u16string(kBannerEnd);
+    EXPECT_EQ(PocketPcPage(), titleOnly);
+    EXPECT_EQ(BuildChannelPage(channel_, 240, 40, true, context_), titleOnly);
+
+    channel_.image().SetLocalFile(WString());
+    EXPECT_EQ(PocketPcPage(), titleOnly);
+}
+
+TEST_F(ChannelPageTest, CharsetNameAddsTheMetaLine) {
+    channel_.SetEncoding(WString(u"utf-8"));
+    EXPECT_TRUE(PocketPcPage().starts_with(
+        u"<html><meta http-equiv=\"content-type\" content=\"text/html; charset=utf-8\"><body "));
+}
+
+TEST_F(ChannelPageTest, LogoIsScaledWithASingleCorrection) {
+    PutLogoOnDisk();
+    SetLogoSize(300, 60); // too wide: narrowed, and left taller than the banner
+    EXPECT_NE(PocketPcPage().find(Picture(u" width=236 height=47 align=right")),
+              std::u16string::npos);
+    SetLogoSize(88, 60); // narrow enough but too tall
+    EXPECT_NE(PocketPcPage().find(Picture(u" width=52 height=36 align=right")),
+              std::u16string::npos);
+    SetLogoSize(240, 40); // exactly the banner's size: left alone
+    EXPECT_NE(PocketPcPage().find(Picture(u" width=240 height=40 align=right")),
+              std::u16string::npos);
+}
+
+TEST_F(ChannelPageTest, UnsizedLogoGetsTheBannerHeightOnly) {
+    PutLogoOnDisk();
+    SetLogoSize(0, 0);
+    EXPECT_NE(PocketPcPage().find(Picture(u" height=36 align=right")), std::u16string::npos);
+    SetLogoSize(120, 0);
+    EXPECT_NE(PocketPcPage().find(Picture(u" width=120 height=36 align=right")),
+              std::u16string::npos);
+}
+
+TEST_F(ChannelPageTest, EmptyBannerLeavesTheDeclaredSizeUnscaled) {
+    PutLogoOnDisk();
+    SetLogoSize(300, 60);
+    const std::u16string page = PocketPcPage(0, 0);
+    EXPECT_NE(page.find(u"<td height=\"-4\">"), std::u16string::npos);
+    EXPECT_NE(page.find(Picture(u" width=300 height=60 align=right")), std::u16string::npos);
+}
+
+TEST_F(ChannelPageTest, LongTitleCutsThePageAt519Characters) {
+    channel_.SetTitle(WString(std::u16string(600, u'T')));
+    const std::u16string page = PocketPcPage();
+    EXPECT_EQ(page.size(), 519u);
+    EXPECT_TRUE(page.ends_with(u"TTTT"));
+}
+
+TEST(ChannelPageGeometry, BannerTakesFifteenPercentOfTheClientHeight) {
+    EXPECT_EQ(BannerHeight(268), 40);
+    EXPECT_EQ(BannerHeight(20), 3);
+}
+
+} // namespace
+} // namespace qf
