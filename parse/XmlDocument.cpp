@@ -1,0 +1,754 @@
+#include "parse/XmlDocument.h"
+
+#include "parse/Charset.h"
+#include "platform/AtomicFile.h"
+#include "platform/CodePage.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <libxml/SAX2.h>
+#include <libxml/entities.h>
+#include <libxml/hash.h>
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+#include <libxml/xmlerror.h>
+#include <libxml/xmlsave.h>
+#include <optional>
+#include <type_traits>
+#include <unordered_map>
+
+namespace qf {
+
+namespace {
+
+// Never XML_PARSE_NOENT: with it the parser reads local files that external entities name.
+// Internal entities stay reference nodes and are expanded when text is read.
+constexpr int kParseOptions = XML_PARSE_NONET;
+
+// Whatever the entities of a document expand to, its readable text (every text and attribute
+// value, entities expanded) may not exceed this many times its own size, nor this floor.
+constexpr std::size_t kEntityAmplification = 4;
+constexpr std::size_t kExpandedTextFloor = 8 * 1024 * 1024;
+
+constexpr std::string_view kDeclarationStart = "<?xml ";
+constexpr std::string_view kDeclarationEnd = "?>";
+constexpr std::u16string_view kEncodingOpening = u"encoding=\"";
+constexpr std::array<std::string_view, 4> kFeedRootWords = {"rdf:RDF", "rss", "feed", "opml"};
+
+struct FreeParserContext {
+    void operator()(xmlParserCtxt* context) const { xmlFreeParserCtxt(context); }
+};
+struct FreeDoc {
+    void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
+};
+struct FreeBuffer {
+    void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
+};
+using DocumentPtr = std::unique_ptr<xmlDoc, FreeDoc>;
+
+xmlParserInputPtr RefuseExternalEntity(const char*, const char*, xmlParserCtxtPtr) {
+    return nullptr;
+}
+
+// The external entity loader is process-wide, so it is installed once, before any document
+// exists, and never changed.
+bool SetUpLibrary() {
+    static const bool ready = [] {
+        xmlInitParser();
+        xmlSetExternalEntityLoader(RefuseExternalEntity);
+        return xmlHasFeature(XML_WITH_THREAD) != 0;
+    }();
+    return ready;
+}
+
+// Parse errors are dropped (callers only learn that the load failed), except that running out
+// of memory fails the parse: the parser would otherwise hand back a silently truncated tree.
+void OnParseError(void* context, xmlErrorPtr error) {
+    if (error != nullptr && error->code == XML_ERR_NO_MEMORY && context != nullptr) {
+        static_cast<xmlParserCtxtPtr>(context)->wellFormed = 0;
+    }
+}
+
+// The tree builder stops growing a text node at ten million bytes unless the parser runs in its
+// "huge" mode, which would also switch off its guards against entity expansion and deep
+// nesting. Long texts are legitimate, so only the text builder sees the huge mode.
+void KeepLongText(void* context, const xmlChar* text, int length) {
+    auto* parser = static_cast<xmlParserCtxtPtr>(context);
+    const int options = parser->options;
+    parser->options |= XML_PARSE_HUGE;
+    xmlSAX2Characters(context, text, length);
+    parser->options = options;
+}
+
+void IgnoreError(void*, xmlErrorPtr) {}
+
+// Keeps the library's error messages off standard error on this thread while it lives.
+class SilentErrors {
+public:
+    SilentErrors() : handler_(xmlStructuredError), context_(xmlStructuredErrorContext) {
+        xmlSetStructuredErrorFunc(nullptr, IgnoreError);
+    }
+    ~SilentErrors() { xmlSetStructuredErrorFunc(context_, handler_); }
+    SilentErrors(const SilentErrors&) = delete;
+    SilentErrors& operator=(const SilentErrors&) = delete;
+
+private:
+    xmlStructuredErrorFunc handler_;
+    void* context_;
+};
+
+std::string_view View(const xmlChar* text) {
+    return text == nullptr ? std::string_view()
+                           : std::string_view(reinterpret_cast<const char*>(text));
+}
+
+const xmlChar* XmlChars(const std::string& text) {
+    return reinterpret_cast<const xmlChar*>(text.c_str());
+}
+
+// Appends UTF-8 text as UTF-16. The tree holds valid UTF-8, so this is a plain decoder with a
+// fast path for ASCII; a malformed byte still becomes U+FFFD rather than a read past the end.
+void AppendUtf8(std::u16string& out, std::string_view utf8) {
+    const std::size_t start = out.size();
+    out.resize(start + utf8.size()); // never more UTF-16 units than UTF-8 bytes
+    char16_t* dst = out.data() + start;
+    const auto* src = reinterpret_cast<const unsigned char*>(utf8.data());
+    const auto* end = src + utf8.size();
+    while (src < end) {
+        if (*src < 0x80) {
+            *dst++ = *src++;
+            continue;
+        }
+        const int extra = *src >= 0xF0 ? 3 : *src >= 0xE0 ? 2 : *src >= 0xC0 ? 1 : 0;
+        char32_t cp = *src & (0x3F >> extra);
+        bool valid = extra > 0 && end - src > extra;
+        for (int k = 1; valid && k <= extra; ++k) {
+            valid = (src[k] & 0xC0) == 0x80;
+            cp = (cp << 6) | (src[k] & 0x3F);
+        }
+        if (!valid || cp > 0x10FFFF) {
+            *dst++ = 0xFFFD;
+            ++src;
+            continue;
+        }
+        src += extra + 1;
+        if (cp >= 0x10000) {
+            cp -= 0x10000;
+            *dst++ = static_cast<char16_t>(0xD800 + (cp >> 10));
+            *dst++ = static_cast<char16_t>(0xDC00 + (cp & 0x3FF));
+        } else {
+            *dst++ = static_cast<char16_t>(cp);
+        }
+    }
+    out.resize(static_cast<std::size_t>(dst - out.data()));
+}
+
+std::u16string FromUtf8(const xmlChar* text) {
+    std::u16string out;
+    AppendUtf8(out, View(text));
+    return out;
+}
+
+// "prefix:local" of an element or attribute.
+void AppendQualifiedName(std::u16string& out, const xmlNs* ns, const xmlChar* local) {
+    if (ns != nullptr && ns->prefix != nullptr) {
+        AppendUtf8(out, View(ns->prefix));
+        out.push_back(u':');
+    }
+    AppendUtf8(out, View(local));
+}
+
+bool QualifiedNameIs(const xmlNode* node, std::string_view name) {
+    const std::string_view local = View(node->name);
+    if (node->ns == nullptr || node->ns->prefix == nullptr) {
+        return name == local;
+    }
+    const std::string_view prefix = View(node->ns->prefix);
+    return name.size() == prefix.size() + 1 + local.size() && name.starts_with(prefix) &&
+           name[prefix.size()] == ':' && name.ends_with(local);
+}
+
+// The parsed replacement of the entity a reference node stands for, if it was parsed.
+const xmlNode* EntityContent(const xmlNode* reference) {
+    const xmlNode* entity = reference->children;
+    return entity != nullptr && entity->type == XML_ENTITY_DECL ? entity->children : nullptr;
+}
+
+// Text and CDATA of a node list and everything below it, entity references expanded; comments,
+// processing instructions and the document type are not text.
+void AppendDescendantText(std::u16string& out, const xmlNode* node) {
+    for (; node != nullptr; node = node->next) {
+        switch (node->type) {
+        case XML_TEXT_NODE:
+        case XML_CDATA_SECTION_NODE:
+            AppendUtf8(out, View(node->content));
+            break;
+        case XML_ELEMENT_NODE:
+            AppendDescendantText(out, node->children);
+            break;
+        case XML_ENTITY_REF_NODE:
+            AppendDescendantText(out, EntityContent(node));
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+// Measures how much text a document yields with its entities expanded, so that a document
+// built to expand a small input into gigabytes of text is refused before anything reads it.
+class ExpansionMeter {
+public:
+    explicit ExpansionMeter(std::size_t limit) : limit_(limit) {}
+
+    bool Fits(const xmlDoc* document) { return Measure(document->children) <= limit_; }
+
+private:
+    static constexpr std::size_t kMeasuring = SIZE_MAX;
+
+    // Sizes saturate just above the limit, so that no sum can overflow.
+    std::size_t Add(std::size_t a, std::size_t b) const { return std::min(a + b, limit_ + 1); }
+
+    std::size_t Measure(const xmlNode* node) {
+        std::size_t total = 0;
+        for (; node != nullptr && total <= limit_; node = node->next) {
+            switch (node->type) {
+            case XML_TEXT_NODE:
+            case XML_CDATA_SECTION_NODE:
+                total = Add(total, View(node->content).size());
+                break;
+            case XML_ELEMENT_NODE:
+                total = Add(total, MeasureAttributes(node->properties));
+                total = Add(total, Measure(node->children));
+                break;
+            case XML_ENTITY_REF_NODE:
+                total = Add(total, MeasureEntity(node->children));
+                break;
+            default:
+                break;
+            }
+        }
+        return total;
+    }
+
+    std::size_t MeasureAttributes(const xmlAttr* attribute) {
+        std::size_t total = 0;
+        for (; attribute != nullptr; attribute = attribute->next) {
+            total = Add(total, Measure(attribute->children));
+        }
+        return total;
+    }
+
+    // Each entity is measured once however often it is referenced; a reference back into an
+    // entity still being measured counts as endless.
+    std::size_t MeasureEntity(const xmlNode* entity) {
+        if (entity == nullptr || entity->type != XML_ENTITY_DECL) {
+            return 0;
+        }
+        const auto [it, inserted] = sizes_.try_emplace(entity, kMeasuring);
+        if (!inserted) {
+            return it->second == kMeasuring ? limit_ + 1 : it->second;
+        }
+        const std::size_t size = Measure(entity->children);
+        sizes_[entity] = size;
+        return size;
+    }
+
+    std::size_t limit_;
+    std::unordered_map<const xmlNode*, std::size_t> sizes_;
+};
+
+bool DeclaresEntities(const xmlDoc* document) {
+    const xmlDtd* subset = document->intSubset;
+    return subset != nullptr && subset->entities != nullptr &&
+           xmlHashSize(static_cast<xmlHashTablePtr>(subset->entities)) > 0;
+}
+
+bool ExpansionIsBounded(const xmlDoc* document, std::size_t inputSize) {
+    if (!DeclaresEntities(document)) {
+        return true;
+    }
+    const std::size_t limit =
+        std::max(kExpandedTextFloor,
+                 std::min(inputSize, SIZE_MAX / kEntityAmplification) * kEntityAmplification);
+    return ExpansionMeter(limit).Fits(document);
+}
+
+// Parses bytes held in memory. `encoding` forces a character set; null lets the parser follow
+// the byte-order mark and the declaration.
+DocumentPtr Parse(std::string_view bytes, const char* encoding, int extraOptions) {
+    if (bytes.size() > static_cast<std::size_t>(INT_MAX)) {
+        return nullptr;
+    }
+    std::unique_ptr<xmlParserCtxt, FreeParserContext> parser(xmlNewParserCtxt());
+    if (parser == nullptr) {
+        return nullptr;
+    }
+    parser->sax->serror = OnParseError;
+    parser->sax->characters = KeepLongText;
+    parser->sax->ignorableWhitespace = KeepLongText;
+    DocumentPtr document(xmlCtxtReadMemory(parser.get(), bytes.data(),
+                                           static_cast<int>(bytes.size()), nullptr, encoding,
+                                           kParseOptions | extraOptions));
+    if (document != nullptr && !ExpansionIsBounded(document.get(), bytes.size())) {
+        document.reset();
+    }
+    return document;
+}
+
+bool IsXmlSpace(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// The encoding named by the XML declaration that opens `bytes`, if there is one. Only called
+// once the parser accepted the bytes, so the declaration is well formed.
+std::optional<std::string> DeclaredEncoding(std::string_view bytes) {
+    constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
+    if (bytes.starts_with(kUtf8Bom)) {
+        bytes.remove_prefix(kUtf8Bom.size());
+    }
+    if (!bytes.starts_with("<?xml") || bytes.size() < 6 || !IsXmlSpace(bytes[5])) {
+        return std::nullopt;
+    }
+    std::string_view declaration = bytes.substr(0, bytes.find("?>"));
+    const std::size_t name = declaration.find("encoding");
+    if (name == std::string_view::npos) {
+        return std::nullopt;
+    }
+    declaration.remove_prefix(name + 8);
+    const std::size_t open = declaration.find_first_of("\"'");
+    if (open == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const char quote = declaration[open];
+    declaration.remove_prefix(open + 1);
+    return std::string(declaration.substr(0, declaration.find(quote)));
+}
+
+// Saving writes the document in the encoding its declaration names, so the tree's notion of
+// its encoding is kept equal to the declaration.
+void SetEncoding(xmlDoc* document, const std::optional<std::string>& encoding) {
+    xmlFree(const_cast<xmlChar*>(document->encoding));
+    document->encoding = encoding ? xmlStrdup(XmlChars(*encoding)) : nullptr;
+}
+
+// The document as the bytes of its file: in the encoding its declaration names, or in UTF-8
+// under a declaration that names none, as the declaration of a new document does.
+std::optional<std::string> Serialise(xmlDoc* document) {
+    const auto* encoding = reinterpret_cast<const char*>(document->encoding);
+    const std::unique_ptr<xmlBuffer, FreeBuffer> buffer(xmlBufferCreate());
+    if (buffer == nullptr) {
+        return std::nullopt;
+    }
+    xmlSaveCtxtPtr context = xmlSaveToBuffer(buffer.get(), encoding != nullptr ? encoding : "UTF-8",
+                                             encoding != nullptr ? 0 : XML_SAVE_NO_DECL);
+    if (context == nullptr) {
+        return std::nullopt;
+    }
+    const long written = xmlSaveDoc(context, document);
+    if (xmlSaveClose(context) < 0 || written < 0) {
+        return std::nullopt;
+    }
+    std::string bytes = encoding != nullptr ? "" : "<?xml version=\"1.0\"?>\n";
+    bytes.append(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
+                 static_cast<std::size_t>(xmlBufferLength(buffer.get())));
+    return bytes;
+}
+
+bool ReadWholeFile(const std::filesystem::path& path, std::string& bytes) {
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    const std::streamoff size = file ? static_cast<std::streamoff>(file.tellg()) : -1;
+    if (size < 0) {
+        return false;
+    }
+    bytes.resize(static_cast<std::size_t>(size));
+    file.seekg(0);
+    file.read(bytes.data(), size);
+    return file.gcount() == size;
+}
+
+// Where an ASCII word first occurs in a text of bytes or of UTF-16 units, from `from` on.
+template <typename Char>
+std::size_t Find(std::basic_string_view<Char> text, std::string_view word, std::size_t from = 0) {
+    if constexpr (std::is_same_v<Char, char>) {
+        return text.find(word, from);
+    } else {
+        if (from > text.size()) {
+            return std::u16string_view::npos;
+        }
+        const auto found = std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(),
+                                       word.begin(), word.end());
+        return found == text.end() ? std::u16string_view::npos
+                                   : static_cast<std::size_t>(found - text.begin());
+    }
+}
+
+template <typename Char> bool ContainsFeedRootWord(std::basic_string_view<Char> text) {
+    return std::any_of(kFeedRootWords.begin(), kFeedRootWords.end(), [text](std::string_view word) {
+        return Find(text, word) != std::basic_string_view<Char>::npos;
+    });
+}
+
+template <typename Char> bool LooksLikeFeedText(std::basic_string_view<Char> text) {
+    constexpr std::size_t npos = std::basic_string_view<Char>::npos;
+    const std::size_t declaration = Find(text, kDeclarationStart);
+    if (declaration != npos &&
+        Find(text, kDeclarationEnd, declaration + kDeclarationStart.size()) != npos) {
+        return true;
+    }
+    return ContainsFeedRootWord(text);
+}
+
+// In UTF-8 every ASCII byte decodes to itself and no other byte decodes to ASCII, so with UTF-8
+// as the default character set (the usual case) the ASCII words can be sought in the bytes
+// themselves, which saves converting a whole feed just to look at it.
+bool DefaultCharsetIsUtf8() {
+    const char* value = std::getenv(kDefaultCodePageVariable);
+    if (value == nullptr) {
+        return true;
+    }
+    const std::string_view name(value);
+    return name.empty() || name == "65001" || EqualsIgnoreCase(AsciiToUtf16(name), u"UTF-8") ||
+           EqualsIgnoreCase(AsciiToUtf16(name), u"UTF8");
+}
+
+// The quick test reads the file as text in the default character set, which ends at the first
+// NUL byte.
+bool LooksLikeFeed(std::string_view bytes) {
+    if (DefaultCharsetIsUtf8()) {
+        return LooksLikeFeedText(bytes.substr(0, bytes.find('\0')));
+    }
+    const std::u16string text = BytesToWide(bytes, 0, bytes.size() + 1);
+    return LooksLikeFeedText(std::u16string_view(text));
+}
+
+// Characters XML 1.0 cannot carry at all: a value holding one would make the saved file
+// unreadable, so they are stored as U+FFFD.
+std::u16string WithoutForbiddenCharacters(std::u16string_view text) {
+    std::u16string clean(text);
+    for (char16_t& c : clean) {
+        if ((c < 0x20 && c != '\t' && c != '\n' && c != '\r') || c == 0xFFFE || c == 0xFFFF) {
+            c = 0xFFFD;
+        }
+    }
+    return clean;
+}
+
+xmlNode* AsXml(void* node) {
+    return static_cast<xmlNode*>(node);
+}
+
+xmlDoc* AsXmlDoc(void* document) {
+    return static_cast<xmlDoc*>(document);
+}
+
+} // namespace
+
+namespace {
+
+// The code page of a double-quoted encoding in a declaration's text; a single-quoted or spaced
+// one is not recognised.
+int32_t DeclarationCodePage(std::u16string_view declaration) {
+    const std::size_t open = declaration.find(kEncodingOpening);
+    if (open == std::u16string_view::npos) {
+        return 0;
+    }
+    const std::size_t nameStart = open + kEncodingOpening.size();
+    const std::size_t close = declaration.find(u'"', nameStart);
+    if (close == std::u16string_view::npos) {
+        return 0;
+    }
+    return CharsetToCodePage(WString(declaration.substr(nameStart, close - nameStart)));
+}
+
+// The next node after `node` in document order, entering elements only (the replacement of an
+// entity reference is not part of the tree proper); null after the last one.
+xmlNode* NextInDocumentOrder(xmlNode* node) {
+    if (node->type == XML_ELEMENT_NODE && node->children != nullptr) {
+        return node->children;
+    }
+    while (node->next == nullptr) {
+        node = node->parent;
+        if (node == nullptr || node->type == XML_DOCUMENT_NODE) {
+            return nullptr;
+        }
+    }
+    return node->next;
+}
+
+bool IsValidName(const std::string& name) {
+    return !name.empty() && name.find('\0') == std::string::npos &&
+           xmlValidateName(XmlChars(name), 0) == 0;
+}
+
+} // namespace
+
+void XmlDocument::FreeDocument::operator()(void* document) const {
+    xmlFreeDoc(AsXmlDoc(document));
+}
+
+XmlDocument::XmlDocument() : ready_(SetUpLibrary()) {}
+
+XmlDocument::~XmlDocument() = default;
+
+bool XmlDocument::LoadFile(std::u16string_view path) {
+    std::string bytes;
+    if (!ready_ || path.empty() || !ReadWholeFile(ToFsPath(path), bytes) || !LooksLikeFeed(bytes)) {
+        return false;
+    }
+    DocumentPtr document = Parse(bytes, nullptr, 0);
+    if (document == nullptr) {
+        return false;
+    }
+    SetEncoding(document.get(), DeclaredEncoding(bytes));
+    document_.reset(document.release());
+    return true;
+}
+
+bool XmlDocument::LoadText(std::u16string_view text, bool requireFeedRoot) {
+    if (!ready_ || text.empty()) {
+        return false;
+    }
+    const std::size_t start = Find(text, kDeclarationStart);
+    if (start != std::u16string_view::npos) {
+        const std::size_t inside = start + kDeclarationStart.size();
+        const std::size_t end = Find(text, kDeclarationEnd, inside);
+        // The text is UTF-16 already, so a declared encoding would only contradict it.
+        if (end != std::u16string_view::npos) {
+            codePage_ = DeclarationCodePage(text.substr(inside, end - inside));
+            text.remove_prefix(end + kDeclarationEnd.size());
+        }
+    } else if (requireFeedRoot && !ContainsFeedRootWord(text)) {
+        return false;
+    }
+    DocumentPtr document = Parse(Utf16ToUtf8(text), "UTF-8", XML_PARSE_IGNORE_ENC);
+    if (document == nullptr) {
+        return false;
+    }
+    SetEncoding(document.get(), std::nullopt);
+    document_.reset(document.release());
+    return true;
+}
+
+bool XmlDocument::Save(std::u16string_view path) const {
+    if (!ready_ || path.empty() || document_ == nullptr) {
+        return false;
+    }
+    const std::filesystem::path target = ToFsPath(path);
+    std::error_code ignored; // a folder that cannot be made fails the write below
+    if (target.has_parent_path()) {
+        std::filesystem::create_directories(target.parent_path(), ignored);
+    }
+    SilentErrors silent;
+    const std::optional<std::string> bytes = Serialise(AsXmlDoc(document_.get()));
+    return bytes && WriteFileAtomically(target, *bytes);
+}
+
+bool XmlDocument::NewDocument() {
+    if (!ready_) {
+        return false;
+    }
+    xmlDoc* document = xmlNewDoc(reinterpret_cast<const xmlChar*>("1.0"));
+    if (document == nullptr) {
+        return false;
+    }
+    document_.reset(document);
+    return true;
+}
+
+XmlNode XmlDocument::RootNode() const {
+    return XmlNode(document_.get());
+}
+
+XmlNode XmlDocument::FirstElementChild(XmlNode node) const {
+    const xmlNode* parent = AsXml(node.node_);
+    if (parent == nullptr ||
+        (parent->type != XML_ELEMENT_NODE && parent->type != XML_DOCUMENT_NODE)) {
+        return {};
+    }
+    for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
+        if (child->type == XML_ELEMENT_NODE) {
+            return XmlNode(child);
+        }
+    }
+    return {};
+}
+
+XmlNode XmlDocument::NextSibling(XmlNode node) const {
+    const xmlNode* current = AsXml(node.node_);
+    return current == nullptr ? XmlNode() : XmlNode(current->next);
+}
+
+std::u16string XmlDocument::NodeName(XmlNode node) const {
+    const xmlNode* current = AsXml(node.node_);
+    std::u16string name;
+    if (current == nullptr) {
+        return name;
+    }
+    switch (current->type) {
+    case XML_ELEMENT_NODE:
+        AppendQualifiedName(name, current->ns, current->name);
+        break;
+    case XML_TEXT_NODE:
+        name = u"#text";
+        break;
+    case XML_CDATA_SECTION_NODE:
+        name = u"#cdata-section";
+        break;
+    case XML_COMMENT_NODE:
+        name = u"#comment";
+        break;
+    case XML_DOCUMENT_NODE:
+        name = u"#document";
+        break;
+    case XML_PI_NODE:
+    case XML_ENTITY_REF_NODE:
+    case XML_DTD_NODE:
+        AppendUtf8(name, View(current->name));
+        break;
+    default:
+        break;
+    }
+    return name;
+}
+
+std::u16string XmlDocument::GetText(XmlNode element) const {
+    const xmlNode* node = AsXml(element.node_);
+    std::u16string text;
+    if (node == nullptr) {
+        return text;
+    }
+    switch (node->type) {
+    case XML_ELEMENT_NODE:
+    case XML_DOCUMENT_NODE:
+        if (node->children == nullptr || node->children->type != XML_ELEMENT_NODE) {
+            AppendDescendantText(text, node->children);
+        }
+        break;
+    case XML_ENTITY_REF_NODE:
+        AppendDescendantText(text, EntityContent(node));
+        break;
+    case XML_TEXT_NODE:
+    case XML_CDATA_SECTION_NODE:
+    case XML_COMMENT_NODE:
+    case XML_PI_NODE:
+        AppendUtf8(text, View(node->content));
+        break;
+    default:
+        break;
+    }
+    return text;
+}
+
+XmlAttributes XmlDocument::Attributes(XmlNode node) const {
+    const xmlNode* element = AsXml(node.node_);
+    return element != nullptr && element->type == XML_ELEMENT_NODE ? XmlAttributes(node)
+                                                                   : XmlAttributes();
+}
+
+bool XmlDocument::GetAttribute(const XmlAttributes& attributes, std::u16string_view name,
+                               std::u16string& out) const {
+    const xmlNode* element = AsXml(attributes.element_.node_);
+    if (element == nullptr) {
+        return false;
+    }
+    std::u16string candidate;
+    for (const xmlAttr* attribute = element->properties; attribute != nullptr;
+         attribute = attribute->next) {
+        candidate.clear();
+        AppendQualifiedName(candidate, attribute->ns, attribute->name);
+        if (EqualsIgnoreCase(candidate, name)) {
+            out.clear();
+            AppendDescendantText(out, attribute->children);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool XmlDocument::SetAttribute(XmlNode node, std::u16string_view name, const WString& value) {
+    xmlNode* element = AsXml(node.node_);
+    if (element == nullptr || element->type != XML_ELEMENT_NODE || value.isNull()) {
+        return false;
+    }
+    const std::string xmlName = Utf16ToUtf8(name);
+    if (!IsValidName(xmlName)) {
+        return false;
+    }
+    const std::string xmlValue = Utf16ToUtf8(WithoutForbiddenCharacters(value.view()));
+    return xmlSetProp(element, XmlChars(xmlName), XmlChars(xmlValue)) != nullptr;
+}
+
+XmlNode XmlDocument::CreateChildElement(XmlNode parent, std::u16string_view name) {
+    xmlNode* owner = AsXml(parent.node_);
+    if (owner == nullptr) {
+        return {};
+    }
+    // A document holds one top-level element.
+    if (owner->type == XML_DOCUMENT_NODE ? xmlDocGetRootElement(AsXmlDoc(owner)) != nullptr
+                                         : owner->type != XML_ELEMENT_NODE) {
+        return {};
+    }
+    const std::string xmlName = Utf16ToUtf8(name);
+    if (!IsValidName(xmlName)) {
+        return {};
+    }
+    xmlNode* child = xmlNewDocNode(owner->doc, nullptr, XmlChars(xmlName), nullptr);
+    if (child == nullptr) {
+        return {};
+    }
+    if (xmlAddChild(owner, child) == nullptr) {
+        xmlFreeNode(child);
+        return {};
+    }
+    return XmlNode(child);
+}
+
+XmlNodeList XmlDocument::ElementsByTagName(std::u16string_view name) const {
+    XmlNodeList list;
+    if (document_ == nullptr) {
+        return list;
+    }
+    const std::string wanted = Utf16ToUtf8(name);
+    for (xmlNode* node = AsXmlDoc(document_.get())->children; node != nullptr;
+         node = NextInDocumentOrder(node)) {
+        if (node->type == XML_ELEMENT_NODE && QualifiedNameIs(node, wanted)) {
+            list.nodes_.push_back(XmlNode(node));
+        }
+    }
+    return list;
+}
+
+std::size_t XmlDocument::ListLength(const XmlNodeList& list) {
+    return list.nodes_.size();
+}
+
+XmlNode XmlDocument::ListNext(XmlNodeList& list) {
+    return list.next_ < list.nodes_.size() ? list.nodes_[list.next_++] : XmlNode();
+}
+
+bool XmlDocument::ReadDeclaredEncoding(std::u16string& out) const {
+    const xmlDoc* document = AsXmlDoc(document_.get());
+    if (document == nullptr || document->encoding == nullptr) {
+        return false;
+    }
+    out = FromUtf8(document->encoding);
+    return true;
+}
+
+int32_t XmlDocument::SetCodePageFromName(const WString& charsetName) {
+    codePage_ = CharsetToCodePage(charsetName);
+    return codePage_;
+}
+
+bool XmlDocument::SniffFeedFile(std::u16string_view path) {
+    std::string bytes;
+    return !path.empty() && ReadWholeFile(ToFsPath(path), bytes) && LooksLikeFeed(bytes);
+}
+
+} // namespace qf

@@ -1,0 +1,291 @@
+#include "parse/XmlDocument.h"
+
+#include "platform/AtomicFile.h"
+#include "platform/Text.h"
+#include "support/TestEnv.h"
+
+#include <gtest/gtest.h>
+
+namespace qf {
+namespace {
+
+class XmlDocumentTest : public ::testing::Test {
+protected:
+    // Writes `bytes` to a file of the temporary folder and loads it.
+    bool LoadBytes(const std::string& bytes, const std::string& name = "feed.xml") {
+        test::WriteFileBytes(dir / name, bytes);
+        return doc.LoadFile(PathOf(name));
+    }
+    std::u16string PathOf(const std::string& name) const { return FromFsPath(dir / name); }
+    XmlNode Top() const { return doc.FirstElementChild(doc.RootNode()); }
+    XmlNode Child(XmlNode parent, std::u16string_view name) const {
+        for (XmlNode n = doc.FirstElementChild(parent); n; n = doc.NextSibling(n)) {
+            if (doc.NodeName(n) == name) {
+                return n;
+            }
+        }
+        return {};
+    }
+    std::u16string Attribute(XmlNode node, std::u16string_view name) const {
+        std::u16string value = u"<none>";
+        doc.GetAttribute(doc.Attributes(node), name, value);
+        return value;
+    }
+
+    test::TempDir dir;
+    XmlDocument doc;
+};
+
+TEST_F(XmlDocumentTest, ElementStartingWithMarkupReadsEmptyButLeadingWhitespaceReadsAll) {
+    ASSERT_TRUE(doc.LoadText(u"<rss><a>  <b>x</b></a><c><b>x</b> y</c><d/></rss>", true));
+    EXPECT_EQ(doc.GetText(Child(Top(), u"a")), u"  x");
+    EXPECT_EQ(doc.GetText(Child(Top(), u"c")), u"");
+    EXPECT_EQ(doc.GetText(Child(Top(), u"d")), u"");
+}
+
+TEST_F(XmlDocumentTest, TextJoinsDescendantTextCdataAndEntitiesButNoComments) {
+    ASSERT_TRUE(doc.LoadText(u"<!DOCTYPE rss [<!ENTITY me \"M&#233;\">]>"
+                             u"<rss><d>a &amp; <![CDATA[<p>c</p>]]><!--no--><i>&me;</i> "
+                             u"&#x4E2D;&#x1F600;</d></rss>",
+                             true));
+    EXPECT_EQ(doc.GetText(Child(Top(), u"d")), u"a & <p>c</p>M\u00E9 \u4E2D\U0001F600");
+}
+
+TEST_F(XmlDocumentTest, AttributeNamesMatchIgnoringCaseAndTheFirstWins) {
+    ASSERT_TRUE(doc.LoadText(u"<rss><item qf_wasread=\"yes\" QF_WASREAD=\"no\" "
+                             u"href=\"a&amp;b\"/></rss>",
+                             true));
+    const XmlNode item = Child(Top(), u"item");
+    EXPECT_EQ(Attribute(item, u"QF_WASREAD"), u"yes");
+    EXPECT_EQ(Attribute(item, u"HREF"), u"a&b");
+    EXPECT_EQ(Attribute(item, u"type"), u"<none>");
+    std::u16string untouched = u"kept";
+    EXPECT_FALSE(doc.GetAttribute(doc.Attributes(doc.NextSibling(item)), u"x", untouched));
+    EXPECT_EQ(untouched, u"kept");
+}
+
+TEST_F(XmlDocumentTest, NamesAreQualifiedAndTagSearchMatchesThemExactly) {
+    ASSERT_TRUE(doc.LoadText(u"<rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\" "
+                             u"xmlns=\"http://purl.org/rss/1.0/\"><channel><item rdf:about=\"1\"/>"
+                             u"</channel><item rdf:about=\"2\"><Item/></item></rdf:RDF>",
+                             true));
+    EXPECT_EQ(doc.NodeName(Top()), u"rdf:RDF");
+    XmlNodeList items = doc.ElementsByTagName(u"item");
+    ASSERT_EQ(XmlDocument::ListLength(items), 2u);
+    EXPECT_EQ(Attribute(XmlDocument::ListNext(items), u"rdf:about"), u"1");
+    EXPECT_EQ(Attribute(XmlDocument::ListNext(items), u"RDF:ABOUT"), u"2");
+    EXPECT_FALSE(XmlDocument::ListNext(items));
+    EXPECT_EQ(XmlDocument::ListLength(doc.ElementsByTagName(u"rdf:RDF")), 1u);
+    EXPECT_EQ(XmlDocument::ListLength(doc.ElementsByTagName(u"RDF")), 0u);
+}
+
+TEST_F(XmlDocumentTest, WalkSkipsPrologueToTopElementAndVisitsEveryKindOfSibling) {
+    ASSERT_TRUE(LoadBytes("<?xml version=\"1.0\"?>\n<!-- c --><?style x?>\n<!DOCTYPE rss>\n"
+                          "<rss> <a/><!--n--><b/></rss>"));
+    EXPECT_EQ(doc.NodeName(doc.RootNode()), u"#document");
+    EXPECT_EQ(doc.NodeName(Top()), u"rss");
+    std::u16string names;
+    for (XmlNode n = doc.FirstElementChild(Top()); n; n = doc.NextSibling(n)) {
+        names += doc.NodeName(n) + u" ";
+    }
+    EXPECT_EQ(names, u"a #comment b ");
+    EXPECT_EQ(doc.NodeName(doc.NextSibling(doc.NextSibling(Top()))), u"");
+}
+
+TEST_F(XmlDocumentTest, LoadTextNotesOnlyADoubleQuotedEncodingAndStripsTheDeclaration) {
+    ASSERT_TRUE(
+        doc.LoadText(u"<?xml version=\"1.0\" encoding=\"windows-1251\"?><rss>\u0416</rss>", true));
+    EXPECT_EQ(doc.codePage(), 1251);
+    EXPECT_EQ(doc.GetText(Top()), u"\u0416");
+    std::u16string encoding;
+    EXPECT_FALSE(doc.ReadDeclaredEncoding(encoding));
+
+    XmlDocument single;
+    ASSERT_TRUE(single.LoadText(u"<?xml version='1.0' encoding='windows-1251'?><rss/>", true));
+    EXPECT_EQ(single.codePage(), 0);
+
+    // The declaration's encoding names bytes the text no longer has, so it never fails a parse.
+    XmlDocument wide;
+    ASSERT_TRUE(wide.LoadText(u"<?xml version=\"1.0\" encoding=\"utf-16\"?><rss/>", true));
+}
+
+TEST_F(XmlDocumentTest, LoadTextWithoutDeclarationNeedsAFeedWordOnlyWhenAsked) {
+    EXPECT_FALSE(doc.LoadText(u"<html><body>Not here</body></html>", true));
+    EXPECT_TRUE(doc.LoadText(u"<html><body>Not here</body></html>", false));
+    doc.setCodePage(932);
+    EXPECT_FALSE(doc.LoadText(u"<?xml version=\"1.0\" encoding=\"windows-1251\"<rss/>", true));
+    EXPECT_EQ(doc.codePage(), 932);
+}
+
+TEST_F(XmlDocumentTest, FailedLoadKeepsThePreviousDocument) {
+    ASSERT_TRUE(doc.LoadText(u"<opml><body/></opml>", true));
+    EXPECT_FALSE(doc.LoadText(u"<rss><unclosed></rss>", true));
+    EXPECT_EQ(doc.NodeName(Top()), u"opml");
+}
+
+TEST_F(XmlDocumentTest, QuickTestRefusesNonFeedFilesAndPassesPagesMentioningFeed) {
+    test::WriteFileBytes(dir / "page.html", "<html><body>Server error</body></html>");
+    EXPECT_FALSE(XmlDocument::SniffFeedFile(PathOf("page.html")));
+    EXPECT_FALSE(LoadBytes("<RSS><title>t</title></RSS>"));
+    EXPECT_FALSE(LoadBytes(""));
+    EXPECT_FALSE(doc.LoadFile(PathOf("missing.xml")));
+
+    test::WriteFileBytes(dir / "feed.html", "<html><body><p>Our feed moved<br></p></body></html>");
+    EXPECT_TRUE(XmlDocument::SniffFeedFile(PathOf("feed.html")));
+    EXPECT_FALSE(doc.LoadFile(PathOf("feed.html")));
+    EXPECT_TRUE(LoadBytes("<html><body><p>Our feed moved</p></body></html>"));
+    EXPECT_TRUE(LoadBytes("<?xml version=\"1.0\"?><anything/>"));
+}
+
+TEST_F(XmlDocumentTest, SaveCreatesFoldersAndRoundTripsAnyCharacter) {
+    const std::u16string title = u"Caf\u00E9 \u041D\u043E\u0432\u043E\u0441\u0442\u0438 "
+                                 u"\u65B0\u805E \U0001F4F0 <&>\"'\t\n";
+    ASSERT_TRUE(doc.NewDocument());
+    const XmlNode opml = doc.CreateChildElement(doc.RootNode(), u"opml");
+    EXPECT_FALSE(doc.CreateChildElement(doc.RootNode(), u"second"));
+    const XmlNode outline =
+        doc.CreateChildElement(doc.CreateChildElement(opml, u"body"), u"outline");
+    ASSERT_TRUE(doc.SetAttribute(outline, u"text", WString(title)));
+    EXPECT_FALSE(doc.SetAttribute(outline, u"userName", WString()));
+    EXPECT_FALSE(doc.SetAttribute(outline, u"bad name", WString(u"x")));
+    ASSERT_TRUE(doc.Save(PathOf("a/b/QFChannels.opml")));
+
+    const std::string bytes = test::ReadFileBytes(dir / "a/b/QFChannels.opml");
+    EXPECT_TRUE(bytes.starts_with("<?xml version=\"1.0\"?>")) << bytes;
+    EXPECT_NE(bytes.find(Utf16ToUtf8(u"\u041D\u043E\u0432")), std::string::npos);
+    XmlDocument reread;
+    ASSERT_TRUE(reread.LoadFile(PathOf("a/b/QFChannels.opml")));
+    XmlNodeList outlines = reread.ElementsByTagName(u"outline");
+    const XmlNode read = XmlDocument::ListNext(outlines);
+    std::u16string value;
+    EXPECT_TRUE(reread.GetAttribute(reread.Attributes(read), u"text", value));
+    EXPECT_EQ(value, title);
+    EXPECT_FALSE(reread.GetAttribute(reread.Attributes(read), u"userName", value));
+    EXPECT_FALSE(reread.ReadDeclaredEncoding(value));
+}
+
+TEST_F(XmlDocumentTest, ControlCharactersInValuesNeverMakeAnUnreadableFile) {
+    ASSERT_TRUE(doc.NewDocument());
+    const XmlNode opml = doc.CreateChildElement(doc.RootNode(), u"opml");
+    ASSERT_TRUE(doc.SetAttribute(opml, u"title",
+                                 WString(std::u16string(u"a\x01"
+                                                        u"b\0c",
+                                                        5))));
+    ASSERT_TRUE(doc.Save(PathOf("store.opml")));
+    ASSERT_TRUE(doc.LoadFile(PathOf("store.opml")));
+    EXPECT_EQ(Attribute(Top(), u"title"), u"a\uFFFDb\uFFFDc");
+}
+
+TEST_F(XmlDocumentTest, DeclaredEncodingDecodesTheFileAndIsKeptOnSave) {
+    // "Новости" in windows-1251.
+    const std::string cp1251 = "\xCD\xEE\xE2\xEE\xF1\xF2\xE8";
+    ASSERT_TRUE(LoadBytes("<?xml version='1.0' encoding='windows-1251'?>\n<rss><title>" + cp1251 +
+                          "</title><item/></rss>"));
+    EXPECT_EQ(doc.GetText(Child(Top(), u"title")), u"\u041D\u043E\u0432\u043E\u0441\u0442\u0438");
+    std::u16string encoding;
+    ASSERT_TRUE(doc.ReadDeclaredEncoding(encoding));
+    EXPECT_EQ(encoding, u"windows-1251");
+    ASSERT_TRUE(doc.SetAttribute(Child(Top(), u"item"), u"qf_wasRead", WString(u"yes")));
+    ASSERT_TRUE(doc.Save(PathOf("feed.xml")));
+
+    const std::string saved = test::ReadFileBytes(dir / "feed.xml");
+    EXPECT_NE(saved.find("encoding=\"windows-1251\""), std::string::npos) << saved;
+    EXPECT_NE(saved.find(cp1251), std::string::npos);
+    EXPECT_NE(saved.find("qf_wasRead=\"yes\""), std::string::npos);
+}
+
+TEST_F(XmlDocumentTest, OtherDeclaredEncodingsDecode) {
+    ASSERT_TRUE(LoadBytes("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><rss>caf\xE9</rss>"));
+    EXPECT_EQ(doc.GetText(Top()), u"caf\u00E9");
+    // "ニュース" in Shift_JIS.
+    ASSERT_TRUE(LoadBytes("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>"
+                          "<rss>\x83\x6A\x83\x85\x81\x5B\x83\x58</rss>"));
+    EXPECT_EQ(doc.GetText(Top()), u"\u30CB\u30E5\u30FC\u30B9");
+    std::u16string encoding;
+    ASSERT_TRUE(doc.ReadDeclaredEncoding(encoding));
+    EXPECT_EQ(encoding, u"Shift_JIS");
+}
+
+TEST_F(XmlDocumentTest, ExternalEntitiesAndDtdsAreNeverRead) {
+    test::WriteFileBytes(dir / "secret.txt", "MARKER-7f3a");
+    test::WriteFileBytes(dir / "evil.dtd", "<!ENTITY leak \"MARKER-7f3a\">");
+    const std::string secret = "file://" + (dir / "secret.txt").string();
+    const std::string dtd = "file://" + (dir / "evil.dtd").string();
+    const std::string documents[] = {
+        "<!DOCTYPE rss [<!ENTITY x SYSTEM \"" + secret + "\">]><rss><t>a&x;b</t></rss>",
+        "<!DOCTYPE rss [<!ENTITY % p SYSTEM \"" + dtd + "\"> %p;]><rss><t>&leak;</t></rss>",
+        "<!DOCTYPE rss SYSTEM \"" + dtd + "\"><rss><t>&leak;</t></rss>",
+        "<!DOCTYPE rss [<!ENTITY x SYSTEM \"" + secret + "\">]><rss><t a=\"&x;\"/></rss>",
+    };
+    for (const std::string& bytes : documents) {
+        if (LoadBytes(bytes)) {
+            EXPECT_EQ(doc.GetText(Top()).find(u"MARKER"), std::u16string::npos) << bytes;
+            EXPECT_EQ(Attribute(Child(Top(), u"t"), u"a").find(u"MARKER"), std::u16string::npos);
+            ASSERT_TRUE(doc.Save(PathOf("saved.xml")));
+            EXPECT_EQ(test::ReadFileBytes(dir / "saved.xml").find("MARKER"), std::string::npos);
+        }
+        if (doc.LoadText(Utf8ToUtf16(bytes), true)) {
+            EXPECT_EQ(doc.GetText(Top()).find(u"MARKER"), std::u16string::npos) << bytes;
+        }
+    }
+}
+
+std::string Laughs(int levels, const std::string& use) {
+    std::string doc = "<!DOCTYPE rss [<!ENTITY l0 \"lol\">";
+    for (int i = 1; i <= levels; ++i) {
+        doc += "<!ENTITY l" + std::to_string(i) + " \"";
+        for (int k = 0; k < 10; ++k) {
+            doc += "&l" + std::to_string(i - 1) + ";";
+        }
+        doc += "\">";
+    }
+    return doc + "]><rss>" + use + "</rss>";
+}
+
+TEST_F(XmlDocumentTest, EntityExpansionStaysBounded) {
+    EXPECT_FALSE(LoadBytes(Laughs(9, "&l9;")));
+    EXPECT_FALSE(LoadBytes(Laughs(9, "<t a=\"&l9;\"/>")));
+
+    // Within the parser's own limits, but reading the text would build gigabytes.
+    const std::string big(100000, 'A');
+    std::string refs;
+    for (int i = 0; i < 20000; ++i) {
+        refs += "&a;";
+    }
+    const std::string quadratic = "<!DOCTYPE rss [<!ENTITY a \"" + big + "\">]><rss>";
+    EXPECT_FALSE(LoadBytes(quadratic + refs + "</rss>"));
+    EXPECT_FALSE(LoadBytes(quadratic + "<t a=\"" + refs + "\"/></rss>"));
+
+    // Modest expansion is ordinary text.
+    ASSERT_TRUE(LoadBytes(Laughs(1, "<t a=\"&l1;\">&l1;&l1;</t>")));
+    EXPECT_EQ(doc.GetText(Child(Top(), u"t")).size(), 60u);
+    EXPECT_EQ(Attribute(Child(Top(), u"t"), u"a").size(), 30u);
+}
+
+TEST_F(XmlDocumentTest, MalformedInputFailsCleanly) {
+    EXPECT_FALSE(LoadBytes(std::string("<rss><t>a\0b</t></rss>", 21)));
+    EXPECT_FALSE(LoadBytes("<?xml version=\"1.0\"?><rss><channel><title>cut"));
+    EXPECT_FALSE(LoadBytes("<?xml version=\"1.0\" encoding=\"no-such-charset\"?><rss/>"));
+    // Two bytes per character: the quick test sees the first NUL as the end of the text.
+    EXPECT_FALSE(LoadBytes(std::string("\xFF\xFE<\0r\0s\0s\0/\0>\0", 14)));
+
+    std::string deep;
+    for (int i = 0; i < 300; ++i) {
+        deep = "<rss>" + deep + "</rss>";
+    }
+    EXPECT_FALSE(LoadBytes(deep));
+}
+
+TEST_F(XmlDocumentTest, HugeTextIsReadWhole) {
+    std::string text;
+    for (int i = 0; i < 3500000; ++i) {
+        text += "ab&amp;"; // entities make the parser build the node piece by piece
+    }
+    ASSERT_TRUE(LoadBytes("<rss><description>" + text + "</description></rss>"));
+    const std::u16string read = doc.GetText(Child(Top(), u"description"));
+    EXPECT_EQ(read.size(), 10500000u);
+    EXPECT_EQ(read.substr(read.size() - 3), u"ab&");
+}
+
+} // namespace
+} // namespace qf
