@@ -1,0 +1,65 @@
+#include "platform/DataLock.h"
+
+#include "platform/Text.h"
+#include "support/TestEnv.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+namespace qf {
+namespace {
+
+class DataLockTest : public ::testing::Test {
+protected:
+    test::TempDir dir;
+    test::EnvVar config{"XDG_CONFIG_HOME", (dir / "config").string()};
+    test::EnvVar data{"QUILLFEED_HOME", (dir / "data").string()};
+};
+
+TEST_F(DataLockTest, SecondHolderIsRefusedUntilTheFirstLetsGo) {
+    auto first = std::make_unique<DataLock>();
+    ASSERT_TRUE(first->held()) << Utf16ToUtf8(first->errorText());
+    EXPECT_TRUE(first->errorText().empty());
+
+    const DataLock second;
+    EXPECT_FALSE(second.held());
+    EXPECT_EQ(second.errorText(), kDataInUseText);
+
+    first.reset();
+    EXPECT_TRUE(DataLock().held());
+}
+
+TEST_F(DataLockTest, AnotherProcessIsRefusedWhileTheLockIsHeld) {
+    const DataLock lock;
+    ASSERT_TRUE(lock.held());
+
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        // The child inherits this process's descriptor, so it takes the lock through a new one.
+        _exit(DataLock().held() ? 1 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST_F(DataLockTest, LivesBesideTheSettingsAndCreatesNoDataFolder) {
+    const DataLock lock;
+    ASSERT_TRUE(lock.held());
+    EXPECT_TRUE(std::filesystem::exists(dir / "config/Orvelcraft/Quillfeed.lock"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "data"));
+}
+
+TEST_F(DataLockTest, LockFileThatCannotBeOpenedSaysWhere) {
+    std::filesystem::create_directories(dir / "config/Orvelcraft/Quillfeed.lock");
+    const DataLock lock;
+    EXPECT_FALSE(lock.held());
+    EXPECT_NE(lock.errorText().find(u"Quillfeed.lock"), std::u16string::npos);
+}
+
+} // namespace
+} // namespace qf
