@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Category.h"
+#include "model/ViewerSettings.h"
 #include "parse/FeedDate.h"
 #include "platform/WString.h"
 
@@ -20,11 +21,6 @@ enum SortBy : int32_t {
     kSortByDate = 1,
     kSortByStatus = 2,
 };
-
-// The volume path of main memory; storage cards are "\\" followed by the card's folder name.
-inline constexpr std::u16string_view kMainMemoryVolume = u"\\";
-// Text size levels run from 0 (smallest) to 4 (largest).
-inline constexpr int32_t kTextSizeMedium = 2;
 
 // The reader's whole model: the categories with their channels, the options kept in the channel
 // store file, the viewer settings, and the flags through which the refresh engine and the screens
@@ -60,19 +56,9 @@ public:
     void SetUpdateUnit(int32_t unit) { updateUnit_ = unit; }
     void SetUpdateDate(const FeedDate& date) { updateDate_ = date; }
 
-    // Viewer settings.
-    const WString& storageVolume() const { return storageVolume_; }
-    int32_t fitToScreen() const { return fitToScreen_; }
-    int32_t clearType() const { return clearType_; }
-    int32_t textSize() const { return textSize_; }
-    int32_t showImages() const { return showImages_; }
-    int32_t addressBar() const { return addressBar_; }
-    void SetStorageVolume(const WString& volume) { storageVolume_.set(volume); }
-    void SetFitToScreen(int32_t value) { fitToScreen_ = value; }
-    void SetClearType(int32_t value) { clearType_ = value; }
-    void SetTextSize(int32_t value) { textSize_ = value; }
-    void SetShowImages(int32_t value) { showImages_ = value; }
-    void SetAddressBar(int32_t value) { addressBar_ = value; }
+    // Viewer settings, kept in the settings file rather than the store file.
+    const ViewerSettings& settings() const { return settings_; }
+    ViewerSettings& settings() { return settings_; }
 
     // Full path of the channel store file; empty until it is first worked out.
     const std::u16string& channelStorePath() const { return channelStorePath_; }
@@ -145,12 +131,7 @@ private:
     int32_t updateUnit_ = kUnitHours;
     FeedDate updateDate_;
 
-    WString storageVolume_{kMainMemoryVolume};
-    int32_t fitToScreen_ = 1;
-    int32_t clearType_ = 1;
-    int32_t textSize_ = kTextSizeMedium;
-    int32_t showImages_ = 1;
-    int32_t addressBar_ = 1;
+    ViewerSettings settings_;
 
     std::u16string channelStorePath_;
 
