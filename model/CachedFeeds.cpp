@@ -1,0 +1,9 @@
+#include "model/CachedFeeds.h"
+
+#include "model/ChannelStore.h"
+
+namespace qf {
+
+bool SaveModifiedChannels(ChannelStore&) { return true; }
+
+} // namespace qf
