@@ -1,0 +1,38 @@
+#include "net/ConnectionManager.h"
+
+#include <gtest/gtest.h>
+
+namespace qf {
+namespace {
+
+TEST(ConnectionManager, ConnectionIsUpFromEstablishingUntilRelease) {
+    std::atomic<ConnectionHandle> handle{kNoConnection};
+    EXPECT_FALSE(IsConnected(handle));
+
+    ASSERT_TRUE(EstablishConnection(u"", &handle));
+    const ConnectionHandle held = handle;
+    EXPECT_TRUE(IsConnected(held));
+
+    EXPECT_TRUE(ReleaseConnection(&handle));
+    EXPECT_EQ(handle, kNoConnection);
+    EXPECT_FALSE(IsConnected(held));
+    EXPECT_FALSE(ReleaseConnection(&handle));
+}
+
+TEST(ConnectionManager, ReleasingAConnectionReleasedElsewhereFailsButClearsTheHandle) {
+    std::atomic<ConnectionHandle> first{kNoConnection};
+    ASSERT_TRUE(EstablishConnection(u"http://example.com/feed", &first));
+    std::atomic<ConnectionHandle> copy{first.load()};
+
+    EXPECT_TRUE(ReleaseConnection(&first));
+    EXPECT_FALSE(ReleaseConnection(&copy));
+    EXPECT_EQ(copy, kNoConnection);
+}
+
+TEST(ConnectionManager, MissingHandleStorageIsRefused) {
+    EXPECT_FALSE(EstablishConnection(u"", nullptr));
+    EXPECT_FALSE(ReleaseConnection(nullptr));
+}
+
+} // namespace
+} // namespace qf
