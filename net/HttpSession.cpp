@@ -140,7 +140,7 @@ struct CertificatePolicy {
 
 CURLcode InstallCertificatePolicy(CURL*, void* sslContext, void* policyPointer) {
     auto* context = static_cast<SSL_CTX*>(sslContext);
-    const auto& policy = *static_cast<const CertificatePolicy*>(policyPointer);
+    const auto& policy = *static_cast<CertificatePolicy*>(policyPointer);
     if (policy.tolerant) {
         SSL_CTX_set_verify(context, SSL_VERIFY_PEER, ForgiveCertificateDates);
         return CURLE_OK;
@@ -279,6 +279,8 @@ void SetRequest(CURL* easy, const std::string& url, curl_slist* headers) {
     curl_easy_setopt(easy, CURLOPT_USERAGENT, kUserAgent);
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, headers);
     curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 0L);
+    // A proxy's answer to CONNECT is no answer of the server's.
+    curl_easy_setopt(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, static_cast<long>(HttpSession::kBlockSize));
 }
@@ -312,7 +314,7 @@ void SetCredentials(CURL* easy, std::u16string_view userName, std::u16string_vie
     curl_easy_setopt(easy, CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_BASIC | CURLAUTH_DIGEST));
 }
 
-void SetCertificateChecks(CURL* easy, const CertificatePolicy& policy) {
+void SetCertificateChecks(CURL* easy, CertificatePolicy& policy) {
     if (const char* caFile = std::getenv("QUILLFEED_CA_FILE"); caFile != nullptr && *caFile) {
         curl_easy_setopt(easy, CURLOPT_CAINFO, caFile);
     }
@@ -364,7 +366,7 @@ HttpResult HttpSession::Get(const HttpRequest& request, ResponseReceiver& receiv
     const HeaderList headers(curl_slist_append(nullptr, kAcceptHeader));
 
     // Both live until the transfer is over: libcurl keeps pointers to them.
-    const CertificatePolicy policy{request.tolerantCertificates, target->hostName};
+    CertificatePolicy policy{request.tolerantCertificates, target->hostName};
     SetRequest(easy, target->url, headers.get());
     SetTimeouts(easy, timeout_);
     SetCallbacks(easy, exchange);

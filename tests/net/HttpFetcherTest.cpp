@@ -11,7 +11,7 @@
 #include <array>
 #include <memory>
 #include <netinet/in.h>
-#include <optional>
+#include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -55,6 +55,9 @@ protected:
                   std::u16string_view password = {}) {
         return fetcher.Download(settings, url, FromFsPath(file), userName, password, progress);
     }
+    void Serve(const std::string& path, const std::string& body = "<rss/>") {
+        server->addRoute({.path = path, .body = body});
+    }
     void Redirect(const std::string& path, int status, const std::u16string& target) {
         server->addRoute(
             {.path = path, .status = status, .headers = {{"Location", Utf16ToUtf8(target)}}});
@@ -74,7 +77,7 @@ protected:
 
 TEST_F(HttpFetcherTest, SavesTheBodyInBlocksIntoANewFolderAndReportsEachStage) {
     const std::string body = Pattern(25000);
-    server->addRoute({.path = "/feed.xml", .body = body});
+    Serve("/feed.xml", body);
     std::vector<Stage> stages;
     progress = [&](int32_t stage, int32_t total, int32_t bytes) {
         stages.push_back({stage, total, bytes});
@@ -96,7 +99,7 @@ TEST_F(HttpFetcherTest, SavesTheBodyInBlocksIntoANewFolderAndReportsEachStage) {
 }
 
 TEST_F(HttpFetcherTest, RequestNamesTheProductAndAcceptsAnything) {
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
     ASSERT_TRUE(Download(server->url("/feed.xml")));
 
     const std::string head = server->requestHead("/feed.xml");
@@ -124,7 +127,7 @@ TEST_F(HttpFetcherTest, BodyWithoutContentLengthIsReadUntilTheConnectionCloses) 
 TEST_F(HttpFetcherTest, TwoRedirectsAreFollowedOverOneConnection) {
     Redirect("/moved", 301, server->url("/found"));
     Redirect("/found", 302, server->url("/feed.xml"));
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
 
     ASSERT_TRUE(Download(server->url("/moved")));
 
@@ -138,7 +141,7 @@ TEST_F(HttpFetcherTest, ThirdRedirectFailsWithItsStatus) {
     Redirect("/one", 302, server->url("/two"));
     Redirect("/two", 301, server->url("/three"));
     Redirect("/three", 302, server->url("/feed.xml"));
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
 
     EXPECT_FALSE(Download(server->url("/one")));
 
@@ -150,7 +153,7 @@ TEST_F(HttpFetcherTest, ThirdRedirectFailsWithItsStatus) {
 
 TEST_F(HttpFetcherTest, QuotedLocationIsFollowedWithoutItsQuotes) {
     Redirect("/quoted", 302, u"\"" + server->url("/feed.xml") + u"\"");
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
 
     EXPECT_TRUE(Download(server->url("/quoted")));
     EXPECT_EQ(test::ReadFileBytes(file), "<rss/>");
@@ -160,7 +163,7 @@ TEST_F(HttpFetcherTest, RedirectToFtpIsRequestedOverHttp) {
     const std::u16string target =
         u"ftp://127.0.0.1:" + AsciiToUtf16(std::to_string(server->port())) + u"/feed.xml";
     Redirect("/to-ftp", 301, target);
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
 
     EXPECT_TRUE(Download(server->url("/to-ftp")));
     EXPECT_EQ(test::ReadFileBytes(file), "<rss/>");
@@ -177,15 +180,13 @@ TEST_F(HttpFetcherTest, RedirectToUnknownSchemeBecomesAnUnresolvableHost) {
     EXPECT_EQ(fetcher.ErrorCode(), kErrorNameNotResolved);
 }
 
-TEST_F(HttpFetcherTest, NotFoundFailsWith404) {
+TEST_F(HttpFetcherTest, NotFoundFailsWith404AndOtherStatusesWithoutCode) {
     EXPECT_FALSE(Download(server->url("/missing.xml")));
     EXPECT_EQ(fetcher.ErrorCode(), 404);
     EXPECT_FALSE(std::filesystem::exists(file));
-}
 
-TEST_F(HttpFetcherTest, OtherStatusFailsWithoutErrorCodeButKeepsTheStatus) {
-    server->addRoute({.path = "/feed.xml", .status = 500, .body = "broken"});
-    EXPECT_FALSE(Download(server->url("/feed.xml")));
+    server->addRoute({.path = "/broken.xml", .status = 500, .body = "broken"});
+    EXPECT_FALSE(Download(server->url("/broken.xml")));
     EXPECT_EQ(fetcher.ErrorCode(), 0);
     EXPECT_EQ(fetcher.StatusCode(), 500);
 }
@@ -201,14 +202,14 @@ TEST_F(HttpFetcherTest, FileAndFtpAddressesSucceedWithoutAnyRequest) {
 
 TEST_F(HttpFetcherTest, DownloadWithoutSessionFailsWithoutErrorCode) {
     HttpFetcher unopened;
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
     EXPECT_FALSE(unopened.Download(settings, server->url("/feed.xml"), FromFsPath(file), u"", u""));
     EXPECT_EQ(unopened.ErrorCode(), 0);
     EXPECT_EQ(server->hits("/feed.xml"), 0);
 }
 
 TEST_F(HttpFetcherTest, AddressWithoutSchemeIsFetchedOverHttp) {
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
     const std::u16string url =
         u"127.0.0.1:" + AsciiToUtf16(std::to_string(server->port())) + u"/feed.xml";
     EXPECT_TRUE(Download(url));
@@ -259,7 +260,7 @@ TEST_F(HttpFetcherTest, StopFlagEndsAnEndlessBodyAfterTheCurrentBlockAndKeepsThe
 }
 
 TEST_F(HttpFetcherTest, AbortFlagAlreadySetLeavesAnEmptyFileAndSucceeds) {
-    server->addRoute({.path = "/feed.xml", .body = Pattern(3000)});
+    Serve("/feed.xml", Pattern(3000));
     std::atomic<int32_t> abort{1};
     settings.abortRequested = &abort;
 
@@ -269,11 +270,23 @@ TEST_F(HttpFetcherTest, AbortFlagAlreadySetLeavesAnEmptyFileAndSucceeds) {
 }
 
 TEST_F(HttpFetcherTest, LocalFileThatCannotBeCreatedStillCountsAsSuccess) {
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
     test::WriteFileBytes(dir / "QFChannelsData", "a file where the folder should be");
 
     EXPECT_TRUE(Download(server->url("/feed.xml")));
     EXPECT_EQ(fetcher.ErrorCode(), 0);
+}
+
+TEST_F(HttpFetcherTest, FailureRaisedDuringTheTransferEndsItWithMinusTwo) {
+    Serve("/feed.xml", Pattern(30000));
+    progress = [](int32_t stage, int32_t, int32_t) {
+        if (stage == kProgressBlock) {
+            throw std::runtime_error("receiver failed");
+        }
+    };
+
+    EXPECT_FALSE(Download(server->url("/feed.xml")));
+    EXPECT_EQ(fetcher.ErrorCode(), kErrorException);
 }
 
 TEST_F(HttpFetcherTest, SilentServerTimesOut) {
@@ -294,7 +307,7 @@ TEST_F(HttpFetcherTest, ClosedPortCannotBeConnected) {
 }
 
 TEST_F(HttpFetcherTest, SessionKeepsItsConnectionAcrossDownloads) {
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
     ASSERT_TRUE(Download(server->url("/feed.xml")));
     ASSERT_TRUE(Download(server->url("/feed.xml")));
     EXPECT_EQ(server->connections(), 1);
@@ -307,7 +320,7 @@ TEST_F(HttpFetcherTest, SessionKeepsItsConnectionAcrossDownloads) {
 
 TEST_F(HttpFetcherTest, DownloadBringsUpTheSharedConnection) {
     ReleaseConnection(&ProcessConnectionHandle());
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
 
     ASSERT_TRUE(Download(server->url("/feed.xml")));
     EXPECT_TRUE(IsConnected(ProcessConnectionHandle()));
@@ -332,7 +345,7 @@ protected:
 };
 
 TEST_F(HttpsFetcherTest, FullCheckAcceptsOnlyAProperCertificate) {
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
     ExpectOutcome("valid", 0);
     EXPECT_EQ(test::ReadFileBytes(file), "<rss/>");
     ExpectOutcome("expired", kErrorCertificateDate);
@@ -342,7 +355,7 @@ TEST_F(HttpsFetcherTest, FullCheckAcceptsOnlyAProperCertificate) {
 }
 
 TEST_F(HttpsFetcherTest, TolerantCheckForgivesDatesAndHostNamesButNotIssuers) {
-    server->addRoute({.path = "/feed.xml", .body = "<rss/>"});
+    Serve("/feed.xml");
     settings.tolerantCertificates = true;
     ExpectOutcome("expired", 0);
     ExpectOutcome("not-yet-valid", 0);

@@ -67,12 +67,5 @@ TEST(CrackUrl, UnknownPrefixKeepsThePreviousScheme) {
     EXPECT_EQ(upper.port, 0);
 }
 
-TEST(CrackUrl, UnknownSchemeCodeKeepsThePortWithoutColon) {
-    UrlParts parts{9999, u"", u"", 4321};
-    CrackUrl(u"example.com/feed", parts);
-    EXPECT_EQ(parts.scheme, 9999u);
-    EXPECT_EQ(parts.port, 4321);
-}
-
 } // namespace
 } // namespace qf

@@ -11,7 +11,7 @@ value percent-encoded:
 
   route path=/feed status=200 mode=fixed body=... header=Name:value auth=user:password
         modes: fixed (Content-Length), close (no length, the connection closes after the body),
-        endless (blocks of block= bytes every interval= seconds, never ending),
+        endless (a small block every few milliseconds, never ending),
         silent (the request is read and never answered)
   hits path=/feed        -> how many requests that path had
   connections            -> how many connections were accepted
@@ -32,6 +32,8 @@ hits = {}
 heads = {}
 connections = 0
 never = threading.Event()
+ENDLESS_BLOCK = b"x" * 1024
+ENDLESS_PAUSE = 0.005
 
 
 class RecordingReader:
@@ -82,9 +84,9 @@ class Handler(BaseHTTPRequestHandler):
         elif route["mode"] == "silent":
             never.wait()
         else:
-            self.answer(route["status"], route["headers"], route["body"], route["mode"], route)
+            self.answer(route["status"], route["headers"], route["body"], route["mode"])
 
-    def answer(self, status, headers, body, mode, route=None):
+    def answer(self, status, headers, body, mode):
         self.send_response(status)
         for name, value in headers:
             self.send_header(name, value)
@@ -98,8 +100,8 @@ class Handler(BaseHTTPRequestHandler):
             self.wfile.write(body)
             self.wfile.flush()
             while mode == "endless":
-                time.sleep(route["interval"])
-                self.wfile.write(b"x" * route["block"])
+                time.sleep(ENDLESS_PAUSE)
+                self.wfile.write(ENDLESS_BLOCK)
                 self.wfile.flush()
         except (BrokenPipeError, ConnectionResetError, ssl.SSLError):
             self.close_connection = True
@@ -107,7 +109,7 @@ class Handler(BaseHTTPRequestHandler):
 
 def add_route(fields):
     route = {"path": "/", "status": 200, "mode": "fixed", "body": b"", "headers": [],
-             "auth": None, "block": 1024, "interval": 0.005}
+             "auth": None}
     for key, raw in fields:
         value = urllib.parse.unquote(raw)
         if key == "body":
@@ -116,10 +118,8 @@ def add_route(fields):
             route["headers"].append(tuple(value.split(":", 1)))
         elif key == "auth":
             route["auth"] = "Basic " + base64.b64encode(value.encode()).decode()
-        elif key in ("status", "block"):
+        elif key == "status":
             route[key] = int(value)
-        elif key == "interval":
-            route[key] = float(value)
         else:
             route[key] = value
     with lock:
