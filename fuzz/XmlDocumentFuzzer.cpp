@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -50,6 +51,15 @@ void Exercise(qf::XmlDocument& doc) {
 }
 
 } // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    ScratchFolder(); // made before the clean-up is registered, so it outlives it
+    std::atexit([] {
+        std::error_code ignored;
+        std::filesystem::remove_all(ScratchFolder(), ignored);
+    });
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     const std::string bytes(reinterpret_cast<const char*>(data), size);
