@@ -12,9 +12,9 @@ namespace {
 class XmlDocumentTest : public ::testing::Test {
 protected:
     // Writes `bytes` to a file of the temporary folder and loads it.
-    bool LoadBytes(const std::string& bytes, const std::string& name = "feed.xml") {
-        test::WriteFileBytes(dir / name, bytes);
-        return doc.LoadFile(PathOf(name));
+    bool LoadBytes(const std::string& bytes) {
+        test::WriteFileBytes(dir / "feed.xml", bytes);
+        return doc.LoadFile(PathOf("feed.xml"));
     }
     std::u16string PathOf(const std::string& name) const { return FromFsPath(dir / name); }
     XmlNode Top() const { return doc.FirstElementChild(doc.RootNode()); }
