@@ -1,9 +1,11 @@
 #include "cli/Command.h"
+#include "cli/ParseCommand.h"
 
 namespace qf::cli {
 
 std::vector<std::unique_ptr<Command>> MakeCommands() {
     std::vector<std::unique_ptr<Command>> commands;
+    commands.push_back(std::make_unique<ParseCommand>());
     return commands;
 }
 
