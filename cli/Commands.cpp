@@ -9,6 +9,9 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
     commands.push_back(MakeExportCommand());
     commands.push_back(MakeImportCommand());
     commands.push_back(MakeParseCommand());
+    commands.push_back(MakeShowCommand());
+    commands.push_back(MakeMarkCommand());
+    commands.push_back(MakeRemoveCommand());
     return commands;
 }
 
