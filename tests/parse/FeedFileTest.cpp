@@ -1,12 +1,9 @@
 #include "parse/FeedFile.h"
 
 #include "model/Channel.h"
-#include "parse/FeedReader.h"
-#include "parse/ReadState.h"
 #include "platform/AtomicFile.h"
 #include "support/TestEnv.h"
 
-#include <cstdlib>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -62,41 +59,6 @@ TEST(FeedFile, OddFeedsEndInAPlainAnswer) {
     ASSERT_TRUE(
         LoadFeedFile(FromFsPath(folder / "external-entity-to-local-file.xml"), external, true));
     EXPECT_EQ(external.items()[0]->title(), u"");
-}
-
-bool IsCorpusNote(const fs::path& path) {
-    const std::string name = path.filename().string();
-    return name == "README.md" || name == "MANIFEST.tsv" || name == "LICENSE";
-}
-
-// Third-party feeds of every kind and defect: each one is read, stamped with read states and
-// answers, whatever it holds. The folder can be moved with QF_CORPUS_DIR.
-TEST(FeedFile, ThirdPartyCorpusReadsWithoutHarm) {
-    const char* moved = std::getenv("QF_CORPUS_DIR");
-    const fs::path corpus = moved != nullptr ? fs::path(moved) : fs::path(QF_CORPUS_DIR);
-    if (!fs::is_directory(corpus)) {
-        GTEST_SKIP() << "no corpus at " << corpus;
-    }
-    std::size_t files = 0;
-    std::size_t parsed = 0;
-    for (const auto& entry : fs::recursive_directory_iterator(corpus)) {
-        if (!entry.is_regular_file() || IsCorpusNote(entry.path())) {
-            continue;
-        }
-        ++files;
-        XmlDocument document;
-        Channel channel;
-        if (!document.LoadFile(FromFsPath(entry.path())) || !ParseFeed(document, channel, true)) {
-            continue;
-        }
-        ++parsed;
-        for (const auto& item : channel.items()) {
-            item->SetRead(1);
-        }
-        EXPECT_TRUE(WriteReadStates(document, channel)) << entry.path();
-    }
-    EXPECT_GT(files, 4000u);
-    EXPECT_GT(parsed, files / 2);
 }
 
 } // namespace
