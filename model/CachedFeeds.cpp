@@ -4,6 +4,8 @@
 
 namespace qf {
 
-bool SaveModifiedChannels(ChannelStore&) { return true; }
+bool SaveModifiedChannels(ChannelStore&) {
+    return true;
+}
 
 } // namespace qf

@@ -1,15 +1,13 @@
 #include "parse/XmlDocument.h"
 
 #include "parse/Charset.h"
+#include "parse/FeedSniff.h"
 #include "parse/XmlText.h"
 #include "platform/AtomicFile.h"
-#include "platform/CodePage.h"
 #include "platform/Text.h"
 
 #include <algorithm>
-#include <array>
 #include <climits>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <libxml/SAX2.h>
@@ -21,7 +19,6 @@
 #include <libxml/xmlerror.h>
 #include <libxml/xmlsave.h>
 #include <optional>
-#include <type_traits>
 #include <unordered_map>
 
 namespace qf {
@@ -37,10 +34,9 @@ constexpr int kParseOptions = XML_PARSE_NONET;
 constexpr std::size_t kEntityAmplification = 4;
 constexpr std::size_t kExpandedTextFloor = 8 * 1024 * 1024;
 
-constexpr std::string_view kDeclarationStart = "<?xml ";
-constexpr std::string_view kDeclarationEnd = "?>";
+constexpr std::u16string_view kDeclarationStart = u"<?xml ";
+constexpr std::u16string_view kDeclarationEnd = u"?>";
 constexpr std::u16string_view kEncodingOpening = u"encoding=\"";
-constexpr std::array<std::string_view, 4> kFeedRootWords = {"rdf:RDF", "rss", "feed", "opml"};
 
 struct FreeParserContext {
     void operator()(xmlParserCtxt* context) const { xmlFreeParserCtxt(context); }
@@ -305,6 +301,7 @@ DocumentPtr Parse(std::string_view bytes, const char* encoding, int extraOptions
     if (bytes.size() > static_cast<std::size_t>(INT_MAX)) {
         return nullptr;
     }
+    SilentErrors silent;
     std::unique_ptr<xmlParserCtxt, FreeParserContext> parser(xmlNewParserCtxt());
     if (parser == nullptr) {
         return nullptr;
@@ -360,6 +357,7 @@ void SetEncoding(xmlDoc* document, const std::optional<std::string>& encoding) {
 // The document as the bytes of its file: in the encoding its declaration names, or in UTF-8
 // under a declaration that names none, as the declaration of a new document does.
 std::optional<std::string> Serialise(xmlDoc* document) {
+    SilentErrors silent;
     const auto* encoding = reinterpret_cast<const char*>(document->encoding);
     const std::unique_ptr<xmlBuffer, FreeBuffer> buffer(xmlBufferCreate());
     if (buffer == nullptr) {
@@ -380,71 +378,17 @@ std::optional<std::string> Serialise(xmlDoc* document) {
     return bytes;
 }
 
+// Files are parsed from memory, and the parser takes no more than INT_MAX bytes.
 bool ReadWholeFile(const std::filesystem::path& path, std::string& bytes) {
     std::ifstream file(path, std::ios::binary | std::ios::ate);
     const std::streamoff size = file ? static_cast<std::streamoff>(file.tellg()) : -1;
-    if (size < 0) {
+    if (size < 0 || size > INT_MAX) {
         return false;
     }
     bytes.resize(static_cast<std::size_t>(size));
     file.seekg(0);
     file.read(bytes.data(), size);
     return file.gcount() == size;
-}
-
-// Where an ASCII word first occurs in a text of bytes or of UTF-16 units, from `from` on.
-template <typename Char>
-std::size_t Find(std::basic_string_view<Char> text, std::string_view word, std::size_t from = 0) {
-    if constexpr (std::is_same_v<Char, char>) {
-        return text.find(word, from);
-    } else {
-        if (from > text.size()) {
-            return std::u16string_view::npos;
-        }
-        const auto found = std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(),
-                                       word.begin(), word.end());
-        return found == text.end() ? std::u16string_view::npos
-                                   : static_cast<std::size_t>(found - text.begin());
-    }
-}
-
-template <typename Char> bool ContainsFeedRootWord(std::basic_string_view<Char> text) {
-    return std::any_of(kFeedRootWords.begin(), kFeedRootWords.end(), [text](std::string_view word) {
-        return Find(text, word) != std::basic_string_view<Char>::npos;
-    });
-}
-
-template <typename Char> bool LooksLikeFeedText(std::basic_string_view<Char> text) {
-    constexpr std::size_t npos = std::basic_string_view<Char>::npos;
-    const std::size_t declaration = Find(text, kDeclarationStart);
-    if (declaration != npos &&
-        Find(text, kDeclarationEnd, declaration + kDeclarationStart.size()) != npos) {
-        return true;
-    }
-    return ContainsFeedRootWord(text);
-}
-
-// In UTF-8 every ASCII byte decodes to itself and no other byte decodes to ASCII, so with UTF-8
-// as the default character set (the usual case) the ASCII words can be sought in the bytes
-// themselves, which saves converting a whole feed just to look at it.
-bool DefaultCharsetIsUtf8() {
-    const char* value = std::getenv(kDefaultCodePageVariable);
-    if (value == nullptr) {
-        return true;
-    }
-    const std::string_view name(value);
-    return name.empty() || name == "65001" || EqualsIgnoreCase(AsciiToUtf16(name), u"UTF-8") ||
-           EqualsIgnoreCase(AsciiToUtf16(name), u"UTF8");
-}
-
-// The quick test reads the file as text in the default character set, which ends at the first
-// NUL byte.
-bool LooksLikeFeed(std::string_view bytes) {
-    if (DefaultCharsetIsUtf8()) {
-        return LooksLikeFeedText(bytes.substr(0, bytes.find('\0')));
-    }
-    const std::u16string text = BytesToWide(bytes, 0, bytes.size() + 1);
-    return LooksLikeFeedText(std::u16string_view(text));
 }
 
 xmlNode* AsXml(void* node) {
@@ -454,10 +398,6 @@ xmlNode* AsXml(void* node) {
 xmlDoc* AsXmlDoc(void* document) {
     return static_cast<xmlDoc*>(document);
 }
-
-} // namespace
-
-namespace {
 
 // The code page of a double-quoted encoding in a declaration's text; a single-quoted or spaced
 // one is not recognised.
@@ -506,7 +446,8 @@ XmlDocument::~XmlDocument() = default;
 
 bool XmlDocument::LoadFile(std::u16string_view path) {
     std::string bytes;
-    if (!ready_ || path.empty() || !ReadWholeFile(ToFsPath(path), bytes) || !LooksLikeFeed(bytes)) {
+    if (!ready_ || path.empty() || !ReadWholeFile(ToFsPath(path), bytes) ||
+        !LooksLikeFeedFile(bytes)) {
         return false;
     }
     DocumentPtr document = Parse(bytes, nullptr, 0);
@@ -522,10 +463,10 @@ bool XmlDocument::LoadText(std::u16string_view text, bool requireFeedRoot) {
     if (!ready_ || text.empty()) {
         return false;
     }
-    const std::size_t start = Find(text, kDeclarationStart);
+    const std::size_t start = text.find(kDeclarationStart);
     if (start != std::u16string_view::npos) {
         const std::size_t inside = start + kDeclarationStart.size();
-        const std::size_t end = Find(text, kDeclarationEnd, inside);
+        const std::size_t end = text.find(kDeclarationEnd, inside);
         // The text is UTF-16 already, so a declared encoding would only contradict it.
         if (end != std::u16string_view::npos) {
             codePage_ = DeclarationCodePage(text.substr(inside, end - inside));
@@ -552,7 +493,6 @@ bool XmlDocument::Save(std::u16string_view path) const {
     if (target.has_parent_path()) {
         std::filesystem::create_directories(target.parent_path(), ignored);
     }
-    SilentErrors silent;
     const std::optional<std::string> bytes = Serialise(AsXmlDoc(document_.get()));
     return bytes && WriteFileAtomically(target, *bytes);
 }
@@ -766,7 +706,7 @@ int32_t XmlDocument::SetCodePageFromName(const WString& charsetName) {
 
 bool XmlDocument::SniffFeedFile(std::u16string_view path) {
     std::string bytes;
-    return !path.empty() && ReadWholeFile(ToFsPath(path), bytes) && LooksLikeFeed(bytes);
+    return !path.empty() && ReadWholeFile(ToFsPath(path), bytes) && LooksLikeFeedFile(bytes);
 }
 
 } // namespace qf

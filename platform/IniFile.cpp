@@ -3,6 +3,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qf {
 
@@ -63,16 +64,20 @@ struct KeyLineExtent {
     std::size_t equals = std::string_view::npos;
     std::size_t contentEnd = 0;
     std::size_t next = 0;
+    // What must follow the line when it is the last one and something is added after it.
+    std::string terminator;
 };
 
 KeyLineExtent ScanKeyLine(std::string_view text, std::size_t i) {
     KeyLineExtent extent;
     bool inQuotes = false;
+    bool danglingEscape = false;
     while (i < text.size()) {
         const char c = text[i];
         if (c == '\\') {
-            i = i + 1 < text.size() && IsLineBreak(text[i + 1]) ? SkipLineBreak(text, i + 1)
-                                                                : std::min(i + 2, text.size());
+            danglingEscape = i + 1 == text.size();
+            i = !danglingEscape && IsLineBreak(text[i + 1]) ? SkipLineBreak(text, i + 1)
+                                                            : std::min(i + 2, text.size());
         } else if (c == '"') {
             inQuotes = !inQuotes;
             ++i;
@@ -88,7 +93,20 @@ KeyLineExtent ScanKeyLine(std::string_view text, std::size_t i) {
         }
     }
     extent.contentEnd = i;
-    extent.next = SkipLineBreak(text, EndOfPhysicalLine(text, i));
+    const std::size_t end = EndOfPhysicalLine(text, i);
+    extent.next = SkipLineBreak(text, end);
+    if (extent.next == end) {
+        // A last line may end inside quotes or an escape, which would swallow an added line.
+        // Giving a lone backslash a line break to escape and closing the quotes adds nothing to
+        // the value; the final break must not pair with a "\r" that ends the text into one break.
+        if (danglingEscape) {
+            extent.terminator += '\n';
+        }
+        if (inQuotes) {
+            extent.terminator += '"';
+        }
+        extent.terminator += extent.terminator.empty() && text.ends_with('\r') ? '\r' : '\n';
+    }
     return extent;
 }
 
@@ -135,41 +153,51 @@ void AppendEscapedRun(std::string& out, std::u16string& run) {
 } // namespace
 
 IniFile IniFile::Parse(std::string_view text) {
+    static constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
     IniFile file;
     std::string section;
-    std::size_t i = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
-    if (i > 0) {
-        file.lines_.push_back({std::string(text.substr(0, i)), section, {}, {}, false});
+    std::size_t i = 0;
+    if (text.starts_with(kUtf8Bom)) {
+        Line bom;
+        bom.text = kUtf8Bom;
+        file.lines_.push_back(std::move(bom));
+        i = kUtf8Bom.size();
     }
     while (i < text.size()) {
-        Line line;
-        std::size_t first = i;
-        while (first < text.size() && IsBlank(text[first])) {
-            ++first;
-        }
-        std::size_t next;
-        if (first < text.size() && text[first] == '[') {
-            const std::size_t end = EndOfPhysicalLine(text, first);
+        file.lines_.push_back(ReadLine(text, i, section));
+    }
+    return file;
+}
+
+IniFile::Line IniFile::ReadLine(std::string_view text, std::size_t& i, std::string& section) {
+    Line line;
+    std::size_t first = i;
+    while (first < text.size() && IsBlank(text[first])) {
+        ++first;
+    }
+    std::size_t next;
+    if (first < text.size() && (text[first] == '[' || text[first] == ';')) {
+        const std::size_t end = EndOfPhysicalLine(text, first);
+        if (text[first] == '[') {
             const std::string_view inside = text.substr(first + 1, end - first - 1);
             section = std::string(Trim(inside.substr(0, inside.find(']'))));
             line.isHeader = true;
-            next = SkipLineBreak(text, end);
-        } else if (first < text.size() && text[first] == ';') {
-            next = SkipLineBreak(text, EndOfPhysicalLine(text, first));
-        } else {
-            const KeyLineExtent extent = ScanKeyLine(text, first);
-            if (extent.equals != std::string_view::npos) {
-                line.key = Trim(text.substr(first, extent.equals - first));
-                line.value = text.substr(extent.equals + 1, extent.contentEnd - extent.equals - 1);
-            }
-            next = extent.next;
         }
-        line.text = text.substr(i, next - i);
-        line.section = section;
-        file.lines_.push_back(std::move(line));
-        i = next;
+        next = SkipLineBreak(text, end);
+        line.terminator = next == end ? "\n" : "";
+    } else {
+        KeyLineExtent extent = ScanKeyLine(text, first);
+        if (extent.equals != std::string_view::npos) {
+            line.key = Trim(text.substr(first, extent.equals - first));
+            line.value = text.substr(extent.equals + 1, extent.contentEnd - extent.equals - 1);
+        }
+        next = extent.next;
+        line.terminator = std::move(extent.terminator);
     }
-    return file;
+    line.text = text.substr(i, next - i);
+    line.section = section;
+    i = next;
+    return line;
 }
 
 bool IniFile::HasSection(std::string_view section) const {
@@ -189,8 +217,11 @@ std::optional<std::u16string> IniFile::Value(std::string_view section, std::stri
 
 void IniFile::SetValue(std::string_view section, std::string_view key, std::u16string_view value) {
     const std::string escaped = EscapeValue(value);
-    Line keyLine{std::string(key) + "=" + escaped + "\n", std::string(section), std::string(key),
-                 escaped};
+    Line keyLine;
+    keyLine.text = std::string(key) + "=" + escaped + "\n";
+    keyLine.section = section;
+    keyLine.key = key;
+    keyLine.value = escaped;
     bool replaced = false;
     for (auto line = lines_.begin(); line != lines_.end();) {
         if (line->isHeader || line->section != section || line->key != key) {
@@ -220,8 +251,8 @@ void IniFile::AppendToSection(Line keyLine) {
     if (newSection) {
         last = lines_.empty() ? lines_.end() : std::prev(lines_.end());
     }
-    if (last != lines_.end() && !last->text.empty() && !IsLineBreak(last->text.back())) {
-        last->text += '\n';
+    if (last != lines_.end()) {
+        last->text += std::exchange(last->terminator, {});
     }
     auto at = last == lines_.end() ? lines_.begin() : std::next(last);
     if (newSection) {
@@ -229,7 +260,11 @@ void IniFile::AppendToSection(Line keyLine) {
         if (!lines_.empty()) {
             header.insert(0, "\n");
         }
-        at = std::next(lines_.insert(at, {std::move(header), section, {}, {}, true}));
+        Line headerLine;
+        headerLine.text = std::move(header);
+        headerLine.section = section;
+        headerLine.isHeader = true;
+        at = std::next(lines_.insert(at, std::move(headerLine)));
     }
     lines_.insert(at, std::move(keyLine));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,7 +39,12 @@ private:
         std::string key;     // empty for anything but a "key=value" line
         std::string value;   // the raw text right of "=", without a trailing comment
         bool isHeader = false;
+        // What must be added to the text before another line can follow (only the file's last
+        // line can need anything).
+        std::string terminator;
     };
+
+    static Line ReadLine(std::string_view text, std::size_t& i, std::string& section);
 
     void AppendToSection(Line keyLine);
 

@@ -3,7 +3,6 @@
 #include "platform/AtomicFile.h"
 #include "support/TestEnv.h"
 
-#include <algorithm>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
@@ -31,14 +30,6 @@ TEST_F(FileUtilTest, CreatingAPathCreatesEachMissingParentInTurn) {
     EXPECT_TRUE(CreateParentDirectory(at("D/E/file.xml")));
     EXPECT_TRUE(fs::is_directory(dir / "D/E"));
     EXPECT_FALSE(fs::exists(dir / "D/E/file.xml"));
-}
-
-TEST_F(FileUtilTest, ExistenceCoversFilesAndFoldersButNotTheEmptyPath) {
-    test::WriteFileBytes(dir / "file", "x");
-    EXPECT_TRUE(FileExists(at("file")));
-    EXPECT_TRUE(FileExists(FromFsPath(dir.path())));
-    EXPECT_FALSE(FileExists(at("missing")));
-    EXPECT_FALSE(FileExists(u""));
 }
 
 TEST_F(FileUtilTest, ReadingGivesNoTextForEmptyMissingOrSpecialFiles) {
@@ -81,20 +72,6 @@ TEST_F(FileUtilTest, TreeRemovalTakesEmptyFoldersAndKeepsThoseWithFiles) {
     EXPECT_FALSE(fs::exists(dir / "tree/d"));
     EXPECT_TRUE(fs::exists(dir / "tree/kept/inner/left-behind.xml"));
     EXPECT_TRUE(RemoveDirectoryTree(at("missing")));
-}
-
-TEST_F(FileUtilTest, ListingSeesLinksAsFilesWhatEverTheyPointTo) {
-    fs::create_directories(dir / "folder/sub");
-    fs::create_directory_symlink(dir / "folder/sub", dir / "folder/link");
-    auto entries = ListDirectory(at("folder"));
-    std::sort(entries.begin(), entries.end(),
-              [](const auto& a, const auto& b) { return a.name < b.name; });
-    ASSERT_EQ(entries.size(), 2u);
-    EXPECT_EQ(entries[0].name, u"link");
-    EXPECT_FALSE(entries[0].isDirectory);
-    EXPECT_TRUE(entries[0].isSymbolicLink);
-    EXPECT_EQ(entries[1].name, u"sub");
-    EXPECT_TRUE(entries[1].isDirectory);
 }
 
 } // namespace

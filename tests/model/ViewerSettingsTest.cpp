@@ -143,6 +143,13 @@ TEST_F(ViewerSettingsTest, SavingKeepsTheWindowSectionAndUnknownOptions) {
                                                    "state=\"a,b\"\n");
 }
 
+TEST_F(ViewerSettingsTest, WithoutXdgConfigHomeTheFileLiesInDotConfig) {
+    test::EnvVar noConfig("XDG_CONFIG_HOME", std::nullopt);
+    test::EnvVar home("HOME", (dir / "user").string());
+    ASSERT_TRUE(SaveSettings(ViewerSettings()));
+    EXPECT_TRUE(std::filesystem::exists(dir / "user/.config/Orvelcraft/Quillfeed.conf"));
+}
+
 TEST_F(ViewerSettingsTest, SettingsFileThatCannotBeReadIsLeftAlone) {
     std::filesystem::create_directories(settingsFile() / "not-a-file");
     ViewerSettings settings;

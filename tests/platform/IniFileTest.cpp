@@ -101,5 +101,17 @@ TEST(IniFile, AddsToALastLineThatHasNoLineEnd) {
     EXPECT_EQ(empty.Text(), "[Options]\nA=1\n");
 }
 
+TEST(IniFile, ValueAddedAfterAnUnfinishedLastLineStaysItsOwn) {
+    for (const std::string_view last :
+         {"A=\"open quote", "A=dangling\\", "A=continued\\\n", "A=continued\\\r"}) {
+        IniFile file = IniFile::Parse("[Options]\n" + std::string(last));
+        const auto before = file.Value("Options", "A");
+        file.SetValue("Options", "B", u"2");
+        const IniFile reread = IniFile::Parse(file.Text());
+        EXPECT_EQ(reread.Value("Options", "A"), before) << last;
+        EXPECT_EQ(reread.Value("Options", "B"), u"2") << last;
+    }
+}
+
 } // namespace
 } // namespace qf

@@ -1,0 +1,78 @@
+// Feeds arbitrary bytes to the XML document layer, both as a file and as text, then walks and
+// saves whatever loaded: no input may crash it, hang it or make it read outside the tree.
+#include "parse/XmlDocument.h"
+#include "platform/AtomicFile.h"
+#include "platform/Text.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+const std::filesystem::path& ScratchFolder() {
+    static const std::filesystem::path folder = [] {
+        auto path = std::filesystem::temp_directory_path() /
+                    ("quillfeed-fuzz-" + std::to_string(::getpid()));
+        std::filesystem::create_directories(path);
+        return path;
+    }();
+    return folder;
+}
+
+void Walk(const qf::XmlDocument& doc, qf::XmlNode node) {
+    for (qf::XmlNode child = doc.FirstElementChild(node); child; child = doc.NextSibling(child)) {
+        doc.NodeName(child);
+        doc.GetText(child);
+        std::u16string value;
+        doc.GetAttribute(doc.Attributes(child), u"href", value);
+        doc.GetAttribute(doc.Attributes(child), u"qf_wasRead", value);
+        Walk(doc, child);
+    }
+}
+
+void Exercise(qf::XmlDocument& doc) {
+    Walk(doc, doc.RootNode());
+    qf::XmlNodeList items = doc.ElementsByTagName(u"item");
+    while (qf::XmlNode item = qf::XmlDocument::ListNext(items)) {
+        doc.SetAttribute(item, u"qf_wasRead", qf::WString(u"yes"));
+    }
+    std::u16string encoding;
+    doc.ReadDeclaredEncoding(encoding);
+    const std::u16string saved = qf::FromFsPath(ScratchFolder() / "saved.xml");
+    if (doc.Save(saved)) {
+        qf::XmlDocument again;
+        again.LoadFile(saved);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    ScratchFolder(); // made before the clean-up is registered, so it outlives it
+    std::atexit([] {
+        std::error_code ignored;
+        std::filesystem::remove_all(ScratchFolder(), ignored);
+    });
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    const std::filesystem::path input = ScratchFolder() / "input.xml";
+    std::ofstream(input, std::ios::binary | std::ios::trunc) << bytes;
+
+    qf::XmlDocument fromFile;
+    if (fromFile.LoadFile(qf::FromFsPath(input))) {
+        Exercise(fromFile);
+    }
+    qf::XmlDocument fromText;
+    if (fromText.LoadText(qf::Utf8ToUtf16(bytes), false)) {
+        Exercise(fromText);
+    }
+    return 0;
+}

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "net/UrlParts.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace qf {
+
+class HttpSession;
+
+// Error codes of a download besides the platform's request errors (see net/HttpSession.h) and the
+// HTTP statuses 404, 301 and 302.
+inline constexpr int32_t kErrorUnsupportedScheme = -3;
+inline constexpr int32_t kErrorException = -2;
+
+// Progress stages: once before the body with the Content-Length, after every block written with
+// the running total, once after the file was closed with the final total.
+inline constexpr int32_t kProgressStarted = 0;
+inline constexpr int32_t kProgressBlock = 1;
+inline constexpr int32_t kProgressFinished = 2;
+// The total reported when the server sent no Content-Length.
+inline constexpr int32_t kUnknownLength = -1;
+
+using ProgressCallback = std::function<void(int32_t stage, int32_t totalBytes, int32_t bytesSoFar)>;
+
+struct FetchSettings {
+    static constexpr std::chrono::milliseconds kDefaultTimeout{30000};
+
+    // Accept an expired or not-yet-valid certificate and a host-name mismatch on https; an
+    // untrusted issuer is refused all the same.
+    bool tolerantCertificates = false;
+    // Bounds the making of a connection and any stretch in which no byte moves. Read when the
+    // session is opened.
+    std::chrono::milliseconds timeout = kDefaultTimeout;
+    // The store's stop flags (not owned, may be null). A body being saved ends after the current
+    // block once either is set; what was saved stays and the download counts as done.
+    const std::atomic<int32_t>* stopRequested = nullptr;
+    const std::atomic<int32_t>* abortRequested = nullptr;
+};
+
+// Copies one web resource into a local file with a GET request. Redirects are followed here, at
+// most two. Not shared between threads; a worker may keep one fetcher and its session open over
+// several downloads so that keep-alive connections are reused.
+class HttpFetcher {
+public:
+    HttpFetcher();
+    ~HttpFetcher();
+    HttpFetcher(const HttpFetcher&) = delete;
+    HttpFetcher& operator=(const HttpFetcher&) = delete;
+
+    // Cracks `url` into the fetcher's own URL fields; true for the http, https, ftp and file
+    // schemes.
+    bool IsSupportedUrl(std::u16string_view url);
+
+    // True when a session could be had; an open session is kept as it is.
+    bool OpenSession(const FetchSettings& settings);
+    // Always true.
+    bool CloseSession();
+
+    // Fetches `url` into `localPath`, creating the file's folder. ftp and file URLs succeed at once
+    // without touching anything. Credentials are offered only when both are non-empty. On false,
+    // ErrorCode() says why; a 200 answer always counts as success, also when the local file cannot
+    // be created or the body was cut short.
+    bool Download(const FetchSettings& settings, std::u16string_view url,
+                  std::u16string_view localPath, std::u16string_view userName,
+                  std::u16string_view password, const ProgressCallback& progress = {});
+
+    int32_t ErrorCode() const { return errorCode_; }
+    // The status of the last answer.
+    int32_t StatusCode() const { return statusCode_; }
+    // The last saved answer's ETag, without its quotes.
+    const std::u16string& EntityTag() const { return entityTag_; }
+    // The URL as last cracked (a redirect target replaces it).
+    const UrlParts& Url() const { return url_; }
+
+private:
+    struct Job;
+
+    bool Fetch(const Job& job, std::u16string_view url, int depth);
+    bool Request(const Job& job, int depth);
+    bool FollowRedirect(const Job& job, std::u16string_view location, int depth);
+
+    std::unique_ptr<HttpSession> session_;
+    UrlParts url_;
+    int32_t statusCode_ = 200;
+    int32_t errorCode_ = 0;
+    std::u16string entityTag_;
+};
+
+} // namespace qf

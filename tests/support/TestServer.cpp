@@ -1,0 +1,176 @@
+#include "support/TestServer.h"
+
+#include "platform/Text.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace qf::test {
+
+namespace {
+
+const std::filesystem::path kScript =
+    std::filesystem::path(__FILE__).parent_path() / "http_test_server.py";
+
+// The distribution's interpreter (the set-up scripts install it) when there is one: a version
+// manager's shim found first in PATH can take a second to start, and every test starts a server.
+std::string Interpreter() {
+    constexpr char kSystemPython[] = "/usr/bin/python3";
+    return ::access(kSystemPython, X_OK) == 0 ? kSystemPython : "python3";
+}
+
+std::string Escaped(std::string_view text) {
+    constexpr char kHex[] = "0123456789ABCDEF";
+    std::string escaped;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if ((byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
+            (byte >= 'a' && byte <= 'z') || c == '/' || c == '.' || c == '-' || c == '_') {
+            escaped += c;
+        } else {
+            escaped += '%';
+            escaped += kHex[byte >> 4];
+            escaped += kHex[byte & 0xF];
+        }
+    }
+    return escaped;
+}
+
+std::string Unescaped(std::string_view text) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '%' && i + 2 < text.size()) {
+            plain += static_cast<char>(std::stoi(std::string(text.substr(i + 1, 2)), nullptr, 16));
+            i += 2;
+        } else {
+            plain += text[i];
+        }
+    }
+    return plain;
+}
+
+const char* ModeName(Route::Body mode) {
+    switch (mode) {
+    case Route::Body::Fixed:
+        return "fixed";
+    case Route::Body::UntilClose:
+        return "close";
+    case Route::Body::Endless:
+        return "endless";
+    case Route::Body::Silent:
+        return "silent";
+    }
+    return "fixed";
+}
+
+} // namespace
+
+TestServer::TestServer(const std::vector<TlsListener>& tls) {
+    // A server that died must fail the test, not kill the test program on the next write.
+    std::signal(SIGPIPE, SIG_IGN);
+    int input[2];
+    int output[2];
+    if (::pipe2(input, O_CLOEXEC) != 0 || ::pipe2(output, O_CLOEXEC) != 0) {
+        throw std::runtime_error("cannot make pipes for the test server");
+    }
+    std::vector<std::string> arguments{Interpreter(), kScript.string()};
+    for (const auto& listener : tls) {
+        arguments.push_back(listener.name + "=" + listener.certificate.string() + ":" +
+                            listener.key.string());
+    }
+    std::vector<char*> argv;
+    for (auto& argument : arguments) {
+        argv.push_back(argument.data());
+    }
+    argv.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
+    const int spawned =
+        posix_spawnp(&pid_, arguments[0].c_str(), &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    ::close(input[0]);
+    ::close(output[1]);
+    toServer_ = input[1];
+    fromServer_ = output[0];
+    if (spawned != 0) {
+        throw std::runtime_error("cannot start python3 for the test server");
+    }
+    for (std::string line = readLine(); line != "ready"; line = readLine()) {
+        const auto space = line.find(' ');
+        ports_[line.substr(0, space)] = static_cast<uint16_t>(std::stoi(line.substr(space + 1)));
+    }
+}
+
+TestServer::~TestServer() {
+    // The end of its input ends the server.
+    ::close(toServer_);
+    ::close(fromServer_);
+    if (pid_ > 0) {
+        ::waitpid(pid_, nullptr, 0);
+    }
+}
+
+std::string TestServer::readLine() {
+    for (;;) {
+        if (const auto end = pending_.find('\n'); end != std::string::npos) {
+            std::string line = pending_.substr(0, end);
+            pending_.erase(0, end + 1);
+            return line;
+        }
+        char chunk[4096];
+        const ssize_t got = ::read(fromServer_, chunk, sizeof chunk);
+        if (got <= 0) {
+            throw std::runtime_error("the test server ended");
+        }
+        pending_.append(chunk, static_cast<std::size_t>(got));
+    }
+}
+
+std::string TestServer::command(const std::string& line) {
+    const std::string text = line + "\n";
+    if (::write(toServer_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+        throw std::runtime_error("cannot talk to the test server");
+    }
+    return readLine();
+}
+
+void TestServer::addRoute(const Route& route) {
+    std::string line = "route path=" + Escaped(route.path) +
+                       " status=" + std::to_string(route.status) + " mode=" + ModeName(route.mode) +
+                       " body=" + Escaped(route.body);
+    for (const auto& [name, value] : route.headers) {
+        line += " header=" + Escaped(name + ":" + value);
+    }
+    if (!route.basicAuth.empty()) {
+        line += " auth=" + Escaped(route.basicAuth);
+    }
+    command(line);
+}
+
+int TestServer::hits(const std::string& path) {
+    return std::stoi(command("hits path=" + Escaped(path)));
+}
+
+int TestServer::connections() {
+    return std::stoi(command("connections"));
+}
+
+std::string TestServer::requestHead(const std::string& path) {
+    return Unescaped(command("request path=" + Escaped(path)));
+}
+
+std::u16string TestServer::url(const std::string& path, const std::string& listener) const {
+    const std::string scheme = listener == "http" ? "http://" : "https://";
+    return Utf8ToUtf16(scheme + "127.0.0.1:" + std::to_string(port(listener)) + path);
+}
+
+} // namespace qf::test

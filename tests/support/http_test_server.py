@@ -1,0 +1,178 @@
+#!/usr/bin/env python3
+"""A local HTTP and HTTPS server for the network tests.
+
+Usage: http_test_server.py [NAME=CERT_FILE:KEY_FILE ...]
+
+Listens on 127.0.0.1 only: one plain HTTP listener and one HTTPS listener per certificate given,
+each on a port the system picks. Prints "NAME PORT" for every listener ("http" for the plain one),
+then "ready". Then reads commands from standard input, one per line, and answers each with one
+line; the end of input ends the server. A command is a word followed by KEY=VALUE fields, every
+value percent-encoded:
+
+  route path=/feed status=200 mode=fixed body=... header=Name:value auth=user:password
+        modes: fixed (Content-Length), close (no length, the connection closes after the body),
+        endless (a small block every few milliseconds, never ending),
+        silent (the request is read and never answered)
+  hits path=/feed        -> how many requests that path had
+  connections            -> how many connections were accepted
+  request path=/feed     -> the head of the last request to that path, percent-encoded
+"""
+
+import base64
+import ssl
+import sys
+import threading
+import time
+import urllib.parse
+from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
+
+lock = threading.Lock()
+routes = {}
+hits = {}
+heads = {}
+connections = 0
+never = threading.Event()
+ENDLESS_BLOCK = b"x" * 1024
+ENDLESS_PAUSE = 0.005
+
+
+class RecordingReader:
+    """Keeps the raw lines a request head was read from."""
+
+    def __init__(self, stream):
+        self.stream = stream
+        self.lines = []
+
+    def readline(self, *args):
+        line = self.stream.readline(*args)
+        self.lines.append(line)
+        return line
+
+    def read(self, *args):
+        return self.stream.read(*args)
+
+    def take(self):
+        head, self.lines = b"".join(self.lines), []
+        return head
+
+
+class Handler(BaseHTTPRequestHandler):
+    protocol_version = "HTTP/1.1"
+
+    def setup(self):
+        global connections
+        if self.server.context is not None:
+            # The handshake happens here, on the connection's own thread.
+            self.request = self.server.context.wrap_socket(self.request, server_side=True)
+        super().setup()
+        self.rfile = RecordingReader(self.rfile)
+        with lock:
+            connections += 1
+
+    def log_message(self, *args):
+        pass
+
+    def do_GET(self):
+        with lock:
+            hits[self.path] = hits.get(self.path, 0) + 1
+            heads[self.path] = self.rfile.take()
+            route = routes.get(self.path)
+        if route is None:
+            self.answer(404, [], b"no such route", "fixed")
+        elif route["auth"] and self.headers.get("Authorization") != route["auth"]:
+            self.answer(401, [("WWW-Authenticate", 'Basic realm="test"')], b"", "fixed")
+        elif route["mode"] == "silent":
+            never.wait()
+        else:
+            self.answer(route["status"], route["headers"], route["body"], route["mode"])
+
+    def answer(self, status, headers, body, mode):
+        self.send_response(status)
+        for name, value in headers:
+            self.send_header(name, value)
+        if mode == "fixed":
+            self.send_header("Content-Length", str(len(body)))
+        else:
+            self.send_header("Connection", "close")
+            self.close_connection = True
+        self.end_headers()
+        try:
+            self.wfile.write(body)
+            self.wfile.flush()
+            while mode == "endless":
+                time.sleep(ENDLESS_PAUSE)
+                self.wfile.write(ENDLESS_BLOCK)
+                self.wfile.flush()
+        except (BrokenPipeError, ConnectionResetError, ssl.SSLError):
+            self.close_connection = True
+
+
+def add_route(fields):
+    route = {"path": "/", "status": 200, "mode": "fixed", "body": b"", "headers": [],
+             "auth": None}
+    for key, raw in fields:
+        value = urllib.parse.unquote(raw)
+        if key == "body":
+            route["body"] = urllib.parse.unquote_to_bytes(raw)
+        elif key == "header":
+            route["headers"].append(tuple(value.split(":", 1)))
+        elif key == "auth":
+            route["auth"] = "Basic " + base64.b64encode(value.encode()).decode()
+        elif key == "status":
+            route[key] = int(value)
+        else:
+            route[key] = value
+    with lock:
+        routes[route["path"]] = route
+    return "ok"
+
+
+def run_command(line):
+    command, *words = line.split()
+    fields = [word.split("=", 1) for word in words]
+    if command == "route":
+        return add_route(fields)
+    path = urllib.parse.unquote(dict(fields).get("path", ""))
+    with lock:
+        if command == "hits":
+            return str(hits.get(path, 0))
+        if command == "connections":
+            return str(connections)
+        if command == "request":
+            return urllib.parse.quote(heads.get(path, b""), safe="")
+    return "unknown command"
+
+
+class Server(ThreadingHTTPServer):
+    daemon_threads = True
+
+    def __init__(self, context):
+        super().__init__(("127.0.0.1", 0), Handler)
+        self.context = context
+
+    def handle_error(self, request, client_address):
+        pass  # a refused certificate or a client that went away is part of the tests
+
+
+def serve(name, context=None):
+    server = Server(context)
+    print(name, server.server_address[1], flush=True)
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+
+
+def main():
+    serve("http")
+    for argument in sys.argv[1:]:
+        name, files = argument.split("=", 1)
+        cert, key = files.split(":", 1)
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(cert, key)
+        serve(name, context)
+    print("ready", flush=True)
+    for line in sys.stdin:
+        if line.strip():
+            print(run_command(line), flush=True)
+
+
+if __name__ == "__main__":
+    main()
