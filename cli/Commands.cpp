@@ -8,6 +8,10 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
     commands.push_back(MakeAddCommand());
     commands.push_back(MakeExportCommand());
     commands.push_back(MakeImportCommand());
+    commands.push_back(MakeParseCommand());
+    commands.push_back(MakeShowCommand());
+    commands.push_back(MakeMarkCommand());
+    commands.push_back(MakeRemoveCommand());
     return commands;
 }
 

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "parse/FeedDate.h"
+#include "parse/XmlDocument.h"
+#include "platform/Text.h"
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace qf {
+
+class Channel;
+class NewsItem;
+
+// Pieces shared by the feed readers and the read-state writer.
+
+// The attribute that carries a story's read state in the cached feed, and its two values.
+inline constexpr std::u16string_view kReadStateAttribute = u"qf_wasRead";
+inline constexpr std::u16string_view kReadValue = u"yes";
+inline constexpr std::u16string_view kUnreadValue = u"no";
+
+// Element names are matched against small tables of the names a reader acts on.
+template <typename Field> using FieldName = std::pair<std::u16string_view, Field>;
+
+// The field whose name equals `name` ignoring case; `none` when no name does.
+template <typename Field, std::size_t N>
+Field FieldOf(std::u16string_view name, const std::array<FieldName<Field>, N>& table, Field none) {
+    for (const auto& [candidate, field] : table) {
+        if (EqualsIgnoreCase(name, candidate)) {
+            return field;
+        }
+    }
+    return none;
+}
+
+// Calls `visit(child)` for the children of `parent` from its first element child on, through
+// every following sibling whatever its kind, in document order.
+template <typename Visit>
+void ForEachChild(const XmlDocument& document, XmlNode parent, Visit&& visit) {
+    for (XmlNode child = document.FirstElementChild(parent); child;
+         child = document.NextSibling(child)) {
+        visit(child);
+    }
+}
+
+// A feed date; empty when the text is not one.
+FeedDate DateOf(std::u16string_view text);
+
+// Sets the story's read flag from the element's qf_wasRead attribute when it has one: read
+// exactly when the value is "yes" in any case.
+void ReadStateOf(const XmlDocument& document, XmlNode element, NewsItem& item);
+
+// The `href` of an Atom link whose `type` is "text/html" in any case; false for other links.
+bool HtmlLinkHref(const XmlDocument& document, XmlNode link, std::u16string& href);
+
+// Points the channel's logo at `url` and names its cached copy after the channel and the url.
+void SetImageAddress(Channel& channel, std::u16string_view url);
+
+} // namespace qf
