@@ -1,4 +1,5 @@
 #include "cli/Commands.h"
+#include "cli/ParseCommand.h"
 
 namespace qf::cli {
 
@@ -8,6 +9,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
     commands.push_back(MakeAddCommand());
     commands.push_back(MakeExportCommand());
     commands.push_back(MakeImportCommand());
+    commands.push_back(std::make_unique<ParseCommand>());
     return commands;
 }
 
