@@ -1,4 +1,5 @@
 #include "cli/Commands.h"
+
 #include "cli/ParseCommand.h"
 
 namespace qf::cli {

@@ -169,6 +169,7 @@ int RefreshCommand::Run() {
             succeeded = RefreshChosen(store, chosen, engine, observer, line);
         }
     }
+    line.Finish();
     for (const Channel* channel : observer.results()) {
         succeeded = succeeded && channel->state() != kChannelFailed;
     }
