@@ -163,8 +163,12 @@ int RefreshCommand::Run() {
     {
         RefreshEngine engine(store, observer);
         if (ids_.empty()) {
-            engine.StartRefreshAll(all_);
-            observer.RunUntilFinished();
+            succeeded = engine.StartRefreshAll(all_);
+            if (succeeded) {
+                observer.RunUntilFinished();
+            } else {
+                PrintError(u"refresh: the refresh could not be started.");
+            }
         } else {
             succeeded = RefreshChosen(store, chosen, engine, observer, line);
         }
