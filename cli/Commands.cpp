@@ -12,6 +12,8 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
     commands.push_back(MakeShowCommand());
     commands.push_back(MakeMarkCommand());
     commands.push_back(MakeRemoveCommand());
+    commands.push_back(MakeRefreshCommand());
+    commands.push_back(MakePageCommand());
     return commands;
 }
 
