@@ -1,6 +1,7 @@
 // Feeds arbitrary bytes to the feed readers, loaded both as a file and as text: whatever the
 // document, reading it, marking its stories and stamping their read states back must neither
 // crash nor hang.
+#include "fuzz/FuzzScratch.h"
 #include "model/Channel.h"
 #include "parse/FeedReader.h"
 #include "parse/ReadState.h"
@@ -10,23 +11,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
-#include <unistd.h>
 
 namespace {
-
-const std::filesystem::path& ScratchFolder() {
-    static const std::filesystem::path folder = [] {
-        auto path = std::filesystem::temp_directory_path() /
-                    ("quillfeed-feed-fuzz-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(path);
-        return path;
-    }();
-    return folder;
-}
 
 void ReadAndStamp(qf::XmlDocument& document) {
     qf::Channel channel;
@@ -47,18 +35,13 @@ void ReadAndStamp(qf::XmlDocument& document) {
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    ScratchFolder(); // made before the clean-up is registered, so it outlives it
-    std::atexit([] {
-        std::error_code ignored;
-        std::filesystem::remove_all(ScratchFolder(), ignored);
-    });
+    qf::fuzz::PrepareScratchFolder();
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     const std::string bytes(reinterpret_cast<const char*>(data), size);
-    const std::filesystem::path input = ScratchFolder() / "input.xml";
-    std::ofstream(input, std::ios::binary | std::ios::trunc) << bytes;
+    const std::filesystem::path input = qf::fuzz::WriteScratchFile("input.xml", data, size);
 
     qf::XmlDocument fromFile;
     if (fromFile.LoadFile(qf::FromFsPath(input))) {

@@ -1,28 +1,16 @@
 // Feeds arbitrary bytes to the XML document layer, both as a file and as text, then walks and
 // saves whatever loaded: no input may crash it, hang it or make it read outside the tree.
+#include "fuzz/FuzzScratch.h"
 #include "parse/XmlDocument.h"
 #include "platform/AtomicFile.h"
 #include "platform/Text.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
-#include <unistd.h>
 
 namespace {
-
-const std::filesystem::path& ScratchFolder() {
-    static const std::filesystem::path folder = [] {
-        auto path = std::filesystem::temp_directory_path() /
-                    ("quillfeed-fuzz-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(path);
-        return path;
-    }();
-    return folder;
-}
 
 void Walk(const qf::XmlDocument& doc, qf::XmlNode node) {
     for (qf::XmlNode child = doc.FirstElementChild(node); child; child = doc.NextSibling(child)) {
@@ -43,7 +31,7 @@ void Exercise(qf::XmlDocument& doc) {
     }
     std::u16string encoding;
     doc.ReadDeclaredEncoding(encoding);
-    const std::u16string saved = qf::FromFsPath(ScratchFolder() / "saved.xml");
+    const std::u16string saved = qf::FromFsPath(qf::fuzz::ScratchFolder() / "saved.xml");
     if (doc.Save(saved)) {
         qf::XmlDocument again;
         again.LoadFile(saved);
@@ -53,18 +41,13 @@ void Exercise(qf::XmlDocument& doc) {
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    ScratchFolder(); // made before the clean-up is registered, so it outlives it
-    std::atexit([] {
-        std::error_code ignored;
-        std::filesystem::remove_all(ScratchFolder(), ignored);
-    });
+    qf::fuzz::PrepareScratchFolder();
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     const std::string bytes(reinterpret_cast<const char*>(data), size);
-    const std::filesystem::path input = ScratchFolder() / "input.xml";
-    std::ofstream(input, std::ios::binary | std::ios::trunc) << bytes;
+    const std::filesystem::path input = qf::fuzz::WriteScratchFile("input.xml", data, size);
 
     qf::XmlDocument fromFile;
     if (fromFile.LoadFile(qf::FromFsPath(input))) {
