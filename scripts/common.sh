@@ -28,7 +28,8 @@ qf_ensure_packages() {
     "${missing[@]}"
 }
 
-# qf_build DIR [cmake options...]: configures DIR once (again when options change) and builds it.
+# qf_build DIR [cmake options...]: configures DIR once (again when options change) and builds it:
+# everything, or only the targets named in QF_BUILD_TARGETS.
 qf_build() {
   local dir=$1
   shift
@@ -37,5 +38,7 @@ qf_build() {
     cmake -S "$QF_ROOT" -B "$dir" -G Ninja "$@"
     printf '%s' "$args" >"$stamp"
   fi
-  cmake --build "$dir" -j "$(nproc)"
+  local targets=()
+  [ -n "${QF_BUILD_TARGETS:-}" ] && targets=(--target $QF_BUILD_TARGETS)
+  cmake --build "$dir" -j "$(nproc)" "${targets[@]}"
 }
