@@ -191,8 +191,9 @@ protected:
     Channel* channel_ = nullptr;
 };
 
-TEST_F(DueRules, ChannelWithoutOwnIntervalIsDueOnlyPastTheStoreInterval) {
+TEST_F(DueRules, ChannelWithoutOwnIntervalIsDueOnlyPastTheStoreIntervalOrWhenNeverUpdated) {
     Elapse(3600);
+    EXPECT_TRUE(store_.IsChannelDue(Channel()));
     EXPECT_FALSE(store_.IsChannelDue(*channel_));
     EXPECT_FALSE(store_.HasChannelDue());
     Elapse(3601);
@@ -212,12 +213,6 @@ TEST_F(DueRules, ChannelIntervalWinsAndUnsetUnitCountsSeconds) {
     EXPECT_FALSE(store_.IsChannelDue(*channel_));
     Elapse(91);
     EXPECT_TRUE(store_.IsChannelDue(*channel_));
-}
-
-TEST_F(DueRules, ChannelNeverUpdatedIsDue) {
-    Elapse(0);
-    Channel fresh;
-    EXPECT_TRUE(store_.IsChannelDue(fresh));
 }
 
 TEST_F(DueRules, AutoUpdateIsDueWhenNeverRunOrPastTheInterval) {
