@@ -87,33 +87,21 @@ TEST(Channel, CopyTakesIdentityAndOptionallyDuplicatesStories) {
     EXPECT_NE(bare.ItemAt(0), source.ItemAt(0));
 }
 
-class ChannelErrorText : public ::testing::Test {
-protected:
+TEST(Channel, ErrorTextCarriesCodeAndLocalTimeStampWithNothingBetween) {
     // 22 October 2007, 22:16:44 UTC.
-    test::FakeClock clock_{SystemTime{2007, 10, 1, 22, 22, 16, 44, 0}};
-    Channel channel_;
-};
-
-TEST_F(ChannelErrorText, StampIsAtSignAndShortTimeWithNothingBetween) {
-    channel_.SetErrorText(WString(u"Failed to parse the channel"), true);
-    EXPECT_EQ(channel_.errorText(), u"Failed to parse the channel@10/22/07 10:16 PM");
-
-    channel_.SetErrorText(WString(u"plain"), false);
-    EXPECT_EQ(channel_.errorText(), u"plain");
-}
-
-TEST_F(ChannelErrorText, StampShowsLocalTimeOfTheZone) {
-    clock_.setZone(TimeZoneInfo{-120, 0, false});
-    channel_.SetErrorTextFromString(kStrParseFailed, true);
-    EXPECT_EQ(channel_.errorText(), u"Failed to parse the channel@10/23/07 12:16 AM");
-}
-
-TEST_F(ChannelErrorText, CodeFollowsStringTableTextDirectly) {
-    channel_.SetErrorTextWithCode(kStrDownloadFailed, -3, true);
-    EXPECT_EQ(channel_.errorText(),
+    test::FakeClock clock{SystemTime{2007, 10, 1, 22, 22, 16, 44, 0}};
+    Channel channel;
+    channel.SetErrorText(WString(u"plain"), false);
+    EXPECT_EQ(channel.errorText(), u"plain");
+    channel.SetErrorTextWithCode(kStrDownloadFailed, -3, true);
+    EXPECT_EQ(channel.errorText(),
               u"Failed to download the channel; Error code: -3@10/22/07 10:16 PM");
-    channel_.SetErrorTextWithCode(kStrDownloadFailed, 404, false);
-    EXPECT_EQ(channel_.errorText(), u"Failed to download the channel; Error code: 404");
+    channel.SetErrorTextWithCode(kStrDownloadFailed, 404, false);
+    EXPECT_EQ(channel.errorText(), u"Failed to download the channel; Error code: 404");
+
+    clock.setZone(TimeZoneInfo{-120, 0, false});
+    channel.SetErrorTextFromString(kStrParseFailed, true);
+    EXPECT_EQ(channel.errorText(), u"Failed to parse the channel@10/23/07 12:16 AM");
 }
 
 TEST(Category, NameFromEmptyTextBecomesNullAndNullSourceKeepsIt) {

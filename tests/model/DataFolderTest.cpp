@@ -63,7 +63,7 @@ TEST_F(DataFolderTest, TwoCardsCountTwoButOnlyIndexZeroHasAName) {
     EXPECT_EQ(StorageCardName(-1), std::nullopt);
 }
 
-TEST_F(DataFolderTest, MovingTakesSubfoldersAlongAndNeverFollowsLinks) {
+TEST_F(DataFolderTest, MovingTakesSubfoldersAlongReplacesSameNamesAndNeverFollowsLinks) {
     AddCard("SD");
     fs::create_directories(mainData() / "offline/images");
     test::WriteFileBytes(mainData() / "QFChannels.opml", "<opml/>");
@@ -73,10 +73,14 @@ TEST_F(DataFolderTest, MovingTakesSubfoldersAlongAndNeverFollowsLinks) {
     test::WriteFileBytes(dir / "outside/precious.txt", "mine");
     fs::create_directory_symlink(dir / "outside", mainData() / "linked-folder");
     fs::create_symlink(dir / "outside/precious.txt", mainData() / "linked-file");
+    fs::create_directories(cardData("SD"));
+    test::WriteFileBytes(cardData("SD") / "QFChannels.opml", "old");
+    test::WriteFileBytes(cardData("SD") / "Channel2.xml", "other");
 
     ASSERT_TRUE(MoveData(u"\\", u"\\SD"));
 
     EXPECT_EQ(test::ReadFileBytes(cardData("SD") / "QFChannels.opml"), "<opml/>");
+    EXPECT_EQ(test::ReadFileBytes(cardData("SD") / "Channel2.xml"), "other");
     EXPECT_EQ(test::ReadFileBytes(cardData("SD") / "offline/story.htm"), "story");
     EXPECT_EQ(test::ReadFileBytes(cardData("SD") / "offline/images/logo.gif"), "GIF");
     EXPECT_EQ(fs::read_symlink(cardData("SD") / "linked-folder"), dir / "outside");
@@ -84,20 +88,6 @@ TEST_F(DataFolderTest, MovingTakesSubfoldersAlongAndNeverFollowsLinks) {
     EXPECT_FALSE(fs::exists(mainData()));
     EXPECT_EQ(test::ReadFileBytes(dir / "outside/precious.txt"), "mine");
     EXPECT_EQ(std::distance(fs::directory_iterator(dir / "outside"), fs::directory_iterator()), 1);
-}
-
-TEST_F(DataFolderTest, MovingOntoFilesOfTheSameNameReplacesThem) {
-    AddCard("SD");
-    fs::create_directories(mainData());
-    fs::create_directories(cardData("SD"));
-    test::WriteFileBytes(mainData() / "Channel1.xml", "new");
-    test::WriteFileBytes(cardData("SD") / "Channel1.xml", "old");
-    test::WriteFileBytes(cardData("SD") / "Channel2.xml", "other");
-
-    ASSERT_TRUE(MoveData(u"\\", u"\\SD"));
-
-    EXPECT_EQ(test::ReadFileBytes(cardData("SD") / "Channel1.xml"), "new");
-    EXPECT_EQ(test::ReadFileBytes(cardData("SD") / "Channel2.xml"), "other");
 }
 
 TEST_F(DataFolderTest, MovingBetweenVolumesThatShareAFolderLosesNothing) {

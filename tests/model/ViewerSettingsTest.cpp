@@ -23,10 +23,9 @@ protected:
     test::EnvVar cards{"QUILLFEED_CARDS", (dir / "cards").string()};
 };
 
-void ExpectDefaultsBesideTheVolume(const ViewerSettings& settings) {
+void ExpectDefaultSwitches(const ViewerSettings& settings) {
     EXPECT_EQ(settings.fitToScreen(), 1);
     EXPECT_EQ(settings.clearType(), 1);
-    EXPECT_EQ(settings.textSize(), 2);
     EXPECT_EQ(settings.showImages(), 1);
     EXPECT_EQ(settings.addressBar(), 1);
     EXPECT_EQ(settings.tolerantCertificates(), 0);
@@ -36,7 +35,8 @@ TEST_F(ViewerSettingsTest, FirstRunWithoutCardKeepsMainMemoryAndWritesTheDefault
     ViewerSettings settings;
     EXPECT_FALSE(LoadSettings(settings));
     EXPECT_EQ(settings.storageVolume(), u"\\");
-    ExpectDefaultsBesideTheVolume(settings);
+    EXPECT_EQ(settings.textSize(), 2);
+    ExpectDefaultSwitches(settings);
 
     ASSERT_TRUE(SaveSettings(settings));
     EXPECT_EQ(test::ReadFileBytes(settingsFile()), "[Options]\n"
@@ -58,7 +58,8 @@ TEST_F(ViewerSettingsTest, FirstRunPutsTheDataOnTheFirstStorageCard) {
     ViewerSettings settings;
     EXPECT_FALSE(LoadSettings(settings));
     EXPECT_EQ(settings.storageVolume(), u"\\Backup, old");
-    ExpectDefaultsBesideTheVolume(settings);
+    EXPECT_EQ(settings.textSize(), 2);
+    ExpectDefaultSwitches(settings);
 
     ASSERT_TRUE(SaveSettings(settings));
     EXPECT_NE(test::ReadFileBytes(settingsFile()).find("StorageVolume=\"\\\\Backup, old\"\n"),
@@ -84,10 +85,7 @@ TEST_F(ViewerSettingsTest, OnlyTextSizeStoredLeavesTheOtherDefaults) {
     EXPECT_EQ(settings.textSize(), 4);
     EXPECT_EQ(settings.shownTextSize(), ViewerSettings::kLargestTextSize);
     EXPECT_EQ(settings.storageVolume(), u"\\");
-    EXPECT_EQ(settings.fitToScreen(), 1);
-    EXPECT_EQ(settings.clearType(), 1);
-    EXPECT_EQ(settings.showImages(), 1);
-    EXPECT_EQ(settings.addressBar(), 1);
+    ExpectDefaultSwitches(settings);
 }
 
 TEST_F(ViewerSettingsTest, SwitchesReadAsStoredAndAreWrittenAsOneOrZero) {

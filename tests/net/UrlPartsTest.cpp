@@ -28,11 +28,14 @@ TEST(CrackUrl, KnownPrefixesSetTheSchemeAndItsDefaultPort) {
     }
 }
 
-TEST(CrackUrl, HostKeepsThePortNumberThatFollowsIt) {
+TEST(CrackUrl, HostKeepsThePortNumberThatFollowsItAndWithoutSlashIsAllHost) {
     const UrlParts parts = Cracked(u"http://example.com:8080/news/feed.xml?x=1");
     EXPECT_EQ(parts.host, u"example.com:8080");
     EXPECT_EQ(parts.port, 8080);
     EXPECT_EQ(parts.path, u"news/feed.xml?x=1");
+    const UrlParts noSlash = Cracked(u"https://example.com");
+    EXPECT_EQ(noSlash.host, u"example.com");
+    EXPECT_EQ(noSlash.path, u"");
 }
 
 TEST(CrackUrl, PortIsReadAfterTheLastColonEvenInThePath) {
@@ -41,12 +44,6 @@ TEST(CrackUrl, PortIsReadAfterTheLastColonEvenInThePath) {
     EXPECT_EQ(Cracked(u"http://example.com/at?time=10:30").port, 30);
     // Too large for a port: only the low 16 bits remain.
     EXPECT_EQ(Cracked(u"http://example.com:65616/").port, 80);
-}
-
-TEST(CrackUrl, UrlWithoutSlashIsAllHost) {
-    const UrlParts parts = Cracked(u"https://example.com");
-    EXPECT_EQ(parts.host, u"example.com");
-    EXPECT_EQ(parts.path, u"");
 }
 
 TEST(CrackUrl, UnknownPrefixKeepsThePreviousScheme) {

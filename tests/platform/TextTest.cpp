@@ -1,6 +1,5 @@
 #include "platform/Text.h"
 
-#include "platform/StringTable.h"
 #include "platform/WString.h"
 
 #include <gtest/gtest.h>
@@ -61,11 +60,6 @@ TEST(Utf8, RoundTripsAndReplacesBrokenInput) {
                           "b"),
               u"a\uFFFDb");
     EXPECT_EQ(Utf8ToUtf16("\xe6\x9d"), u"\uFFFD\uFFFD");
-}
-
-TEST(StringTable, KnownIdsGiveTheirTextsAndUnknownIdsNothing) {
-    EXPECT_EQ(LoadString(kStrDefaultCategory), u"Default");
-    EXPECT_TRUE(LoadString(1).empty());
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "model/Channel.h"
 #include "platform/AtomicFile.h"
+#include "platform/Text.h"
 #include "support/TestEnv.h"
 
 #include <gtest/gtest.h>
@@ -76,34 +77,28 @@ TEST_F(ChannelPageTest, CharsetNameAddsTheMetaLine) {
         u"<html><meta http-equiv=\"content-type\" content=\"text/html; charset=utf-8\"><body "));
 }
 
+// A logo too wide is narrowed and may stay taller than the banner; one too tall is shortened;
+// an unsized one gets the banner's height; an empty banner scales nothing.
 TEST_F(ChannelPageTest, LogoIsScaledWithASingleCorrection) {
     PutLogoOnDisk();
-    SetLogoSize(300, 60); // too wide: narrowed, and left taller than the banner
-    EXPECT_NE(PocketPcPage().find(Picture(u" width=236 height=47 align=right")),
-              std::u16string::npos);
-    SetLogoSize(88, 60); // narrow enough but too tall
-    EXPECT_NE(PocketPcPage().find(Picture(u" width=52 height=36 align=right")),
-              std::u16string::npos);
-    SetLogoSize(240, 40); // exactly the banner's size: left alone
-    EXPECT_NE(PocketPcPage().find(Picture(u" width=240 height=40 align=right")),
-              std::u16string::npos);
-}
-
-TEST_F(ChannelPageTest, UnsizedLogoGetsTheBannerHeightOnly) {
-    PutLogoOnDisk();
-    SetLogoSize(0, 0);
-    EXPECT_NE(PocketPcPage().find(Picture(u" height=36 align=right")), std::u16string::npos);
-    SetLogoSize(120, 0);
-    EXPECT_NE(PocketPcPage().find(Picture(u" width=120 height=36 align=right")),
-              std::u16string::npos);
-}
-
-TEST_F(ChannelPageTest, EmptyBannerLeavesTheDeclaredSizeUnscaled) {
-    PutLogoOnDisk();
-    SetLogoSize(300, 60);
-    const std::u16string page = PocketPcPage(0, 0);
-    EXPECT_NE(page.find(u"<td height=\"-4\">"), std::u16string::npos);
-    EXPECT_NE(page.find(Picture(u" width=300 height=60 align=right")), std::u16string::npos);
+    const struct {
+        int32_t width, height, bannerWidth, bannerHeight;
+        std::u16string_view attributes;
+    } cases[] = {
+        {300, 60, 240, 40, u" width=236 height=47 align=right"},
+        {88, 60, 240, 40, u" width=52 height=36 align=right"},
+        {240, 40, 240, 40, u" width=240 height=40 align=right"},
+        {0, 0, 240, 40, u" height=36 align=right"},
+        {120, 0, 240, 40, u" width=120 height=36 align=right"},
+        {300, 60, 0, 0, u" width=300 height=60 align=right"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(Utf16ToUtf8(c.attributes));
+        SetLogoSize(c.width, c.height);
+        EXPECT_NE(PocketPcPage(c.bannerWidth, c.bannerHeight).find(Picture(c.attributes)),
+                  std::u16string::npos);
+    }
+    EXPECT_NE(PocketPcPage(0, 0).find(u"<td height=\"-4\">"), std::u16string::npos);
 }
 
 TEST_F(ChannelPageTest, LongTitleCutsThePageAt519Characters) {

@@ -8,6 +8,8 @@
 namespace qf::test {
 
 ChildProcess::ChildProcess(const std::string& path, const std::vector<std::string>& arguments) {
+    // The output goes to files rather than pipes, so that a program writing much to both streams
+    // never blocks on a pipe that nobody reads yet.
     const std::string outPath = (scratch_ / "out").string();
     const std::string errPath = (scratch_ / "err").string();
     std::vector<char*> argv;
