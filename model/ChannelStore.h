@@ -63,6 +63,10 @@ public:
     // Full path of the channel store file; empty until it is first worked out.
     const std::u16string& channelStorePath() const { return channelStorePath_; }
     void SetChannelStorePath(std::u16string path) { channelStorePath_ = std::move(path); }
+    // A store file that exists but could not be read: the next save of the store to that path
+    // moves it aside first, so the subscriptions in it are never overwritten. Empty when none.
+    const std::u16string& unreadableStorePath() const { return unreadableStorePath_; }
+    void SetUnreadableStorePath(std::u16string path) { unreadableStorePath_ = std::move(path); }
 
     // Run-time flags, never saved. `loaded` belongs to the main thread; the other three are
     // written by one thread and polled by another.
@@ -134,6 +138,7 @@ private:
     ViewerSettings settings_;
 
     std::u16string channelStorePath_;
+    std::u16string unreadableStorePath_;
 
     int32_t loaded_ = 0;
     std::atomic<int32_t> busy_{0};

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "cli/Command.h"
+
+#include <memory>
+
+namespace qf::cli {
+
+// One factory per command, each in the command's own file.
+std::unique_ptr<Command> MakeListCommand();
+std::unique_ptr<Command> MakeAddCommand();
+std::unique_ptr<Command> MakeExportCommand();
+std::unique_ptr<Command> MakeImportCommand();
+
+} // namespace qf::cli

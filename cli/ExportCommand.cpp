@@ -1,0 +1,114 @@
+#include "cli/Commands.h"
+#include "cli/Session.h"
+#include "platform/AtomicFile.h"
+#include "platform/Text.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+namespace qf::cli {
+
+namespace {
+
+// Text made safe for a double-quoted XML attribute. Characters XML cannot carry become U+FFFD;
+// tabs and line breaks are written as references so that readers keep them.
+std::string Attribute(const WString& text) {
+    std::string out;
+    for (const char c : text.toUtf8()) {
+        switch (c) {
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        case '"':
+            out += "&quot;";
+            break;
+        case '\t':
+            out += "&#9;";
+            break;
+        case '\n':
+            out += "&#10;";
+            break;
+        case '\r':
+            out += "&#13;";
+            break;
+        default:
+            out += static_cast<unsigned char>(c) < 0x20 ? "\xEF\xBF\xBD" : std::string(1, c);
+            break;
+        }
+    }
+    return out;
+}
+
+// A channel without a title is shown by its address, as every reader needs some text.
+void AppendChannel(std::string& out, const Channel& channel) {
+    const std::string text =
+        Attribute(channel.title().empty() ? channel.xmlUrl() : channel.title());
+    out += "      <outline type=\"rss\" text=\"" + text + "\" title=\"" + text + "\" xmlUrl=\"" +
+           Attribute(channel.xmlUrl()) + "\"/>\n";
+}
+
+// The subscriptions as OPML 2.0 for other feed readers: a folder outline per category, and for
+// each channel its title and address, never its credentials.
+std::string ExportOpml(const ChannelStore& store) {
+    std::string out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                      "<opml version=\"2.0\">\n"
+                      "  <head>\n"
+                      "    <title>Quillfeed subscriptions</title>\n"
+                      "  </head>\n"
+                      "  <body>\n";
+    for (const auto& category : store.categories()) {
+        const std::string name = Attribute(category->name());
+        out += "    <outline text=\"" + name + "\" title=\"" + name + "\">\n";
+        for (const auto& channel : category->channels()) {
+            AppendChannel(out, *channel);
+        }
+        out += "    </outline>\n";
+    }
+    out += "  </body>\n"
+           "</opml>\n";
+    return out;
+}
+
+class ExportCommand : public Command {
+public:
+    void Setup(CLI::App& app) override {
+        app.name("export");
+        app.description("Write the subscriptions as OPML 2.0 for other feed readers");
+        app.add_option("file", file_, "File to write (default: standard output)");
+    }
+
+    int Run() override {
+        Session session;
+        if (!session.Open(Access::kRead)) {
+            return kExitFailed;
+        }
+        const std::string opml = ExportOpml(session.store());
+        if (file_.empty()) {
+            std::fwrite(opml.data(), 1, opml.size(), stdout);
+            return std::fflush(stdout) == 0 ? kExitOk : kExitFailed;
+        }
+        if (!WriteFileAtomically(std::filesystem::path(file_), opml)) {
+            PrintError(u"Failed to write '" + Utf8ToUtf16(file_) + u"'.");
+            return kExitFailed;
+        }
+        return kExitOk;
+    }
+
+private:
+    std::string file_;
+};
+
+} // namespace
+
+std::unique_ptr<Command> MakeExportCommand() {
+    return std::make_unique<ExportCommand>();
+}
+
+} // namespace qf::cli

@@ -1,0 +1,76 @@
+#include "cli/Session.h"
+
+#include "model/ChannelStoreFile.h"
+#include "model/FileUtil.h"
+#include "model/ViewerSettings.h"
+#include "platform/Text.h"
+
+#include <cstdio>
+
+namespace qf::cli {
+
+bool Session::Open(Access access) {
+    if (access == Access::kWrite) {
+        lock_.emplace();
+        if (!lock_->held()) {
+            PrintError(lock_->errorText());
+            return false;
+        }
+    }
+    // A settings file that cannot be written is reported, but reading and changing the store
+    // work all the same.
+    if (!LoadSettings(store_.settings())) {
+        SaveSettings();
+    }
+    return LoadStoreFile(access);
+}
+
+bool Session::LoadStoreFile(Access access) {
+    const std::u16string& path = KeptStorePath(store_);
+    if (path.empty()) {
+        PrintError(u"The storage volume '" + volume() + u"' of the settings is not there.");
+        return false;
+    }
+    // A fresh user's store starts as an empty store file would load: with the ids counted from
+    // 1, so the first channel keeps its id (and its cached file) across runs.
+    if (!FileExists(path)) {
+        store_.RecomputeNextId();
+        return true;
+    }
+    if (!LoadStore(store_, path)) {
+        PrintError(OpenStoreFailedText(path));
+        return access == Access::kWrite;
+    }
+    return true;
+}
+
+bool Session::SaveStore() {
+    std::u16string notice;
+    const bool saved = SaveAll(store_, &notice);
+    if (!notice.empty()) {
+        PrintError(notice);
+    }
+    if (!saved) {
+        PrintError(u"Failed to save Channels file '" + store_.channelStorePath() + u"'.");
+    }
+    return saved;
+}
+
+bool Session::SaveSettings() {
+    if (!qf::SaveSettings(store_.settings())) {
+        PrintError(u"Failed to save the settings.");
+        return false;
+    }
+    return true;
+}
+
+void PrintError(std::u16string_view message) {
+    std::fprintf(stderr, "%s\n", Utf16ToUtf8(message).c_str());
+}
+
+void PrintLine(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fputc('\n', stdout);
+}
+
+} // namespace qf::cli

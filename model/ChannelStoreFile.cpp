@@ -1,0 +1,416 @@
+#include "model/ChannelStoreFile.h"
+
+#include "model/CachedFeeds.h"
+#include "model/ChannelStore.h"
+#include "model/DataFolder.h"
+#include "model/FileUtil.h"
+#include "parse/Charset.h"
+#include "parse/XmlDocument.h"
+#include "platform/AtomicFile.h"
+#include "platform/StringTable.h"
+#include "platform/Text.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace qf {
+
+namespace {
+
+constexpr int kStrOpenStoreFailed = 40211;
+constexpr std::u16string_view kPathPlaceholder = u"%s";
+constexpr std::u16string_view kFileVersion = u"1.0";
+constexpr std::u16string_view kYes = u"yes";
+constexpr std::u16string_view kNo = u"no";
+constexpr std::string_view kBrokenSuffix = ".broken";
+
+// Element names.
+constexpr std::u16string_view kOpml = u"opml";
+constexpr std::u16string_view kHead = u"head";
+constexpr std::u16string_view kBody = u"body";
+constexpr std::u16string_view kOptions = u"options";
+constexpr std::u16string_view kChannels = u"channels";
+constexpr std::u16string_view kChannel = u"channel";
+constexpr std::u16string_view kOutline = u"outline";
+
+// Attribute names.
+constexpr std::u16string_view kVersion = u"version";
+constexpr std::u16string_view kCategoryId = u"categoryID";
+constexpr std::u16string_view kNextId = u"nextID";
+constexpr std::u16string_view kNewChannels = u"newChannels";
+constexpr std::u16string_view kSortBy = u"sortBy";
+constexpr std::u16string_view kSortOrder = u"sortOrder";
+constexpr std::u16string_view kNewHeadlines = u"newHeadlines";
+constexpr std::u16string_view kAutoUpdate = u"autoUpdate";
+constexpr std::u16string_view kUpdateValue = u"updateValue";
+constexpr std::u16string_view kUpdateUnit = u"updateUnit";
+constexpr std::u16string_view kUpdateDate = u"updateDate";
+constexpr std::u16string_view kText = u"text";
+constexpr std::u16string_view kTitle = u"title";
+constexpr std::u16string_view kEncoding = u"encoding";
+constexpr std::u16string_view kId = u"ID";
+constexpr std::u16string_view kXmlUrl = u"xmlUrl";
+constexpr std::u16string_view kUserName = u"userName";
+constexpr std::u16string_view kPassword = u"password";
+constexpr std::u16string_view kItemCount = u"itemCount";
+constexpr std::u16string_view kNewItemCount = u"newItemCount";
+constexpr std::u16string_view kMatchCount = u"matchCount";
+constexpr std::u16string_view kUpdateTime = u"updateTime";
+constexpr std::u16string_view kHasErrors = u"qf_hasErrors";
+constexpr std::u16string_view kErrorText = u"qf_errorText";
+
+WString Decimal(int32_t value) {
+    return WString(AsciiToUtf16(std::to_string(value)));
+}
+
+WString YesNo(int32_t value) {
+    return WString(value != 0 ? kYes : kNo);
+}
+
+// Builds the document of a whole store, element by element in the order readers of the file
+// expect.
+class StoreWriter {
+public:
+    explicit StoreWriter(XmlDocument& document) : document_(document) {}
+
+    bool Write(const ChannelStore& store) {
+        if (!document_.NewDocument()) {
+            return false;
+        }
+        const XmlNode root = document_.CreateChildElement(document_.RootNode(), kOpml);
+        if (!root) {
+            return false;
+        }
+        document_.SetAttribute(root, kVersion, WString(kFileVersion));
+        WriteOptions(document_.CreateChildElement(root, kHead), store);
+        const XmlNode body = document_.CreateChildElement(root, kBody);
+        for (const auto& category : store.categories()) {
+            WriteCategory(body, *category);
+        }
+        return true;
+    }
+
+private:
+    void WriteOptions(XmlNode head, const ChannelStore& store) {
+        const XmlNode options = document_.CreateChildElement(head, kOptions);
+        const XmlNode channels = document_.CreateChildElement(options, kChannels);
+        document_.SetAttribute(channels, kCategoryId, Decimal(store.categoryId()));
+        document_.SetAttribute(channels, kNextId, Decimal(store.nextId()));
+        document_.SetAttribute(channels, kNewChannels, YesNo(store.newChannels()));
+        const XmlNode list = document_.CreateChildElement(options, kChannel);
+        document_.SetAttribute(list, kSortBy, Decimal(store.sortBy()));
+        document_.SetAttribute(list, kSortOrder, Decimal(store.sortOrder()));
+        document_.SetAttribute(list, kNewHeadlines, YesNo(store.newHeadlines()));
+        document_.SetAttribute(list, kAutoUpdate, YesNo(store.autoUpdate()));
+        document_.SetAttribute(list, kUpdateValue, Decimal(store.updateValue()));
+        document_.SetAttribute(list, kUpdateUnit, Decimal(store.updateUnit()));
+        std::u16string updateDate = store.updateDate().FormatRfc822();
+        if (!updateDate.empty()) {
+            document_.SetAttribute(list, kUpdateDate, WString(std::move(updateDate)));
+        }
+    }
+
+    void WriteCategory(XmlNode body, const Category& category) {
+        const XmlNode outline = document_.CreateChildElement(body, kOutline);
+        document_.SetAttribute(outline, kText, category.name());
+        for (const auto& channel : category.channels()) {
+            WriteChannel(outline, *channel);
+        }
+    }
+
+    // SetAttribute leaves out null texts, so a channel without credentials or error has no such
+    // attribute at all.
+    void WriteChannel(XmlNode category, const Channel& channel) {
+        if (!channel.encoding().isNull()) {
+            document_.SetCodePageFromName(channel.encoding());
+        }
+        const XmlNode outline = document_.CreateChildElement(category, kOutline);
+        document_.SetAttribute(outline, kEncoding, channel.encoding());
+        document_.SetAttribute(outline, kId, Decimal(channel.id()));
+        document_.SetAttribute(outline, kText, channel.title());
+        document_.SetAttribute(outline, kXmlUrl, channel.xmlUrl());
+        document_.SetAttribute(outline, kUserName, channel.userName());
+        document_.SetAttribute(outline, kPassword, channel.password());
+        document_.SetAttribute(outline, kUpdateValue, Decimal(channel.updateValue()));
+        document_.SetAttribute(outline, kUpdateUnit, Decimal(channel.updateUnit()));
+        document_.SetAttribute(outline, kItemCount, Decimal(channel.itemCount()));
+        document_.SetAttribute(outline, kNewItemCount, Decimal(channel.newItemCount()));
+        document_.SetAttribute(outline, kMatchCount, Decimal(channel.matchCount()));
+        document_.SetAttribute(outline, kUpdateTime, WString(channel.updateTime().FormatRfc822()));
+        document_.SetAttribute(outline, kHasErrors, YesNo(channel.hasErrors()));
+        document_.SetAttribute(outline, kErrorText, channel.errorText());
+    }
+
+    XmlDocument& document_;
+};
+
+// Walks a parsed store document into a store. Every attribute is optional: an absent one leaves
+// its field as it was.
+class StoreReader {
+public:
+    StoreReader(XmlDocument& document, ChannelStore& store) : document_(document), store_(store) {}
+
+    bool Read() {
+        const XmlNode root = document_.FirstElementChild(document_.RootNode());
+        if (!root || !EqualsIgnoreCase(document_.NodeName(root), kOpml)) {
+            return false;
+        }
+        for (XmlNode child = document_.FirstElementChild(root); child;
+             child = document_.NextSibling(child)) {
+            if (IsNamed(child, kHead)) {
+                ForEachChildNamed(child, kOptions,
+                                  [this](XmlNode options) { ReadOptions(options); });
+            } else if (IsNamed(child, kBody)) {
+                ReadBody(child);
+            }
+        }
+        if (store_.nextId() == 0) {
+            store_.RecomputeNextId();
+        }
+        return true;
+    }
+
+private:
+    bool IsNamed(XmlNode node, std::u16string_view name) const {
+        return EqualsIgnoreCase(document_.NodeName(node), name);
+    }
+
+    template <typename Visit>
+    void ForEachChildNamed(XmlNode parent, std::u16string_view name, Visit visit) {
+        for (XmlNode child = document_.FirstElementChild(parent); child;
+             child = document_.NextSibling(child)) {
+            if (IsNamed(child, name)) {
+                visit(child);
+            }
+        }
+    }
+
+    // Values are read through the buffer of 10240 characters that shaped every stored value.
+    std::optional<std::u16string> Attribute(const XmlAttributes& attributes,
+                                            std::u16string_view name) const {
+        std::u16string value;
+        if (!document_.GetAttribute(attributes, name, value)) {
+            return std::nullopt;
+        }
+        if (value.size() > kXmlValueCapacity) {
+            value = BoundedCopy(value, kXmlValueCapacity);
+        }
+        return value;
+    }
+
+    template <typename Set>
+    void ReadNumber(const XmlAttributes& attributes, std::u16string_view name, Set set) const {
+        if (const auto value = Attribute(attributes, name)) {
+            set(LeadingDecimal(*value));
+        }
+    }
+
+    template <typename Set>
+    void ReadYes(const XmlAttributes& attributes, std::u16string_view name, Set set) const {
+        if (const auto value = Attribute(attributes, name)) {
+            set(EqualsIgnoreCase(*value, kYes) ? 1 : 0);
+        }
+    }
+
+    void ReadOptions(XmlNode options) {
+        ForEachChildNamed(options, kChannels, [this](XmlNode channels) {
+            const XmlAttributes attributes = document_.Attributes(channels);
+            ReadNumber(attributes, kCategoryId, [this](int32_t v) { store_.SetCategoryId(v); });
+            ReadNumber(attributes, kNextId, [this](int32_t v) { store_.SetNextId(v); });
+            // Written as yes/no but read as a number, so it comes back as 0 from a saved file.
+            ReadNumber(attributes, kNewChannels, [this](int32_t v) { store_.SetNewChannels(v); });
+        });
+        ForEachChildNamed(options, kChannel, [this](XmlNode list) { ReadListOptions(list); });
+    }
+
+    void ReadListOptions(XmlNode list) {
+        const XmlAttributes attributes = document_.Attributes(list);
+        ReadNumber(attributes, kSortBy, [this](int32_t v) { store_.SetSortBy(v); });
+        ReadNumber(attributes, kSortOrder, [this](int32_t v) { store_.SetSortOrder(v); });
+        ReadYes(attributes, kNewHeadlines, [this](int32_t v) { store_.SetNewHeadlines(v); });
+        ReadYes(attributes, kAutoUpdate, [this](int32_t v) { store_.SetAutoUpdate(v); });
+        ReadNumber(attributes, kUpdateValue, [this](int32_t v) { store_.SetUpdateValue(v); });
+        ReadNumber(attributes, kUpdateUnit, [this](int32_t v) { store_.SetUpdateUnit(v); });
+        if (const auto value = Attribute(attributes, kUpdateDate)) {
+            FeedDate date;
+            date.Parse(*value);
+            store_.SetUpdateDate(date);
+        }
+    }
+
+    void ReadBody(XmlNode body) {
+        ForEachChildNamed(body, kOutline, [this](XmlNode outline) {
+            const XmlAttributes attributes = document_.Attributes(outline);
+            if (Attribute(attributes, kXmlUrl)) {
+                auto channel = ReadChannel(attributes);
+                store_.DefaultCategory().AddChannel(std::move(channel));
+                return;
+            }
+            auto category = std::make_unique<Category>();
+            if (auto name = Attribute(attributes, kText)) {
+                category->SetName(WString(std::move(*name)));
+            } else if (auto title = Attribute(attributes, kTitle)) {
+                category->SetName(WString(std::move(*title)));
+            }
+            CollectChannels(outline, *store_.AddCategory(std::move(category)));
+        });
+    }
+
+    // Groups inside a category are flattened into it, however deep they nest.
+    void CollectChannels(XmlNode parent, Category& category) {
+        ForEachChildNamed(parent, kOutline, [this, &category](XmlNode outline) {
+            const XmlAttributes attributes = document_.Attributes(outline);
+            if (Attribute(attributes, kXmlUrl)) {
+                category.AddChannel(ReadChannel(attributes));
+            } else {
+                CollectChannels(outline, category);
+            }
+        });
+    }
+
+    std::unique_ptr<Channel> ReadChannel(const XmlAttributes& attributes) {
+        auto channel = std::make_unique<Channel>();
+        Channel& c = *channel;
+        const auto id = Attribute(attributes, kId);
+        store_.AssignLoadedId(c, id ? std::optional<int32_t>(LeadingDecimal(*id)) : std::nullopt);
+        if (auto encoding = Attribute(attributes, kEncoding)) {
+            const WString name(std::move(*encoding));
+            c.SetEncoding(name);
+            c.SetCodePage(CharsetToCodePage(name));
+            document_.SetCodePageFromName(name);
+        }
+        if (!ReadText(attributes, kText, [&c](WString v) { c.SetTitle(v); })) {
+            ReadText(attributes, kTitle, [&c](WString v) { c.SetTitle(v); });
+        }
+        ReadText(attributes, kXmlUrl, [&c](WString v) { c.SetXmlUrl(v); });
+        ReadText(attributes, kUserName, [&c](WString v) { c.SetUserName(v); });
+        ReadText(attributes, kPassword, [&c](WString v) { c.SetPassword(v); });
+        ReadNumber(attributes, kUpdateValue, [&c](int32_t v) { c.SetUpdateValue(v); });
+        ReadNumber(attributes, kUpdateUnit, [&c](int32_t v) { c.SetUpdateUnit(v); });
+        ReadNumber(attributes, kItemCount, [&c](int32_t v) { c.SetItemCount(v); });
+        ReadNumber(attributes, kNewItemCount, [&c](int32_t v) { c.SetNewItemCount(v); });
+        ReadNumber(attributes, kMatchCount, [&c](int32_t v) { c.SetMatchCount(v); });
+        if (const auto value = Attribute(attributes, kUpdateTime)) {
+            FeedDate date;
+            date.Parse(*value);
+            c.SetUpdateTime(date);
+        }
+        ReadYes(attributes, kHasErrors, [&c](int32_t v) {
+            c.SetHasErrors(v);
+            c.SetState(v != 0 ? kChannelFailed : kChannelIdle);
+        });
+        ReadText(attributes, kErrorText, [&c](WString v) { c.SetErrorText(v, false); });
+        return channel;
+    }
+
+    template <typename Set>
+    bool ReadText(const XmlAttributes& attributes, std::u16string_view name, Set set) const {
+        auto value = Attribute(attributes, name);
+        if (value) {
+            set(WString(std::move(*value)));
+        }
+        return value.has_value();
+    }
+
+    XmlDocument& document_;
+    ChannelStore& store_;
+};
+
+// "<path>.broken", or the first of "<path>.broken.1", ".broken.2", ... that is free.
+std::filesystem::path FreeBrokenPath(const std::filesystem::path& path) {
+    std::filesystem::path candidate = path;
+    candidate += kBrokenSuffix;
+    for (int number = 1;
+         std::filesystem::symlink_status(candidate).type() != std::filesystem::file_type::not_found;
+         ++number) {
+        candidate = path;
+        candidate += std::string(kBrokenSuffix) + "." + std::to_string(number);
+    }
+    return candidate;
+}
+
+// Moves an unreadable store file at `path` out of the way of a save. False when it is still
+// there.
+bool MoveUnreadableAside(ChannelStore& store, std::u16string_view path, std::u16string* notice) {
+    if (store.unreadableStorePath().empty() || store.unreadableStorePath() != path) {
+        return true;
+    }
+    const std::filesystem::path file = ToFsPath(path);
+    std::error_code error;
+    if (std::filesystem::symlink_status(file, error).type() !=
+        std::filesystem::file_type::not_found) {
+        const std::filesystem::path aside = FreeBrokenPath(file);
+        std::filesystem::rename(file, aside, error);
+        if (error) {
+            return false;
+        }
+        if (notice != nullptr) {
+            *notice = u"The channels file '" + std::u16string(path) +
+                      u"' could not be read; it was kept as '" + FromFsPath(aside) + u"'.";
+        }
+    }
+    store.SetUnreadableStorePath({});
+    return true;
+}
+
+} // namespace
+
+const std::u16string& KeptStorePath(ChannelStore& store) {
+    if (store.channelStorePath().empty()) {
+        if (auto path = ChannelStorePath(store.settings().storageVolume().view())) {
+            store.SetChannelStorePath(std::move(*path));
+        }
+    }
+    return store.channelStorePath();
+}
+
+bool LoadStore(ChannelStore& store, std::u16string_view path) {
+    store.SetLoaded(1);
+    if (!FileExists(path)) {
+        return false;
+    }
+    XmlDocument document;
+    if (!document.LoadFile(path) || !ReadStoreDocument(document, store)) {
+        store.SetUnreadableStorePath(std::u16string(path));
+        return false;
+    }
+    return true;
+}
+
+bool ReadStoreDocument(XmlDocument& document, ChannelStore& store) {
+    return StoreReader(document, store).Read();
+}
+
+bool SaveStore(ChannelStore& store, std::u16string_view path, std::u16string* notice) {
+    XmlDocument document;
+    if (!StoreWriter(document).Write(store)) {
+        return false;
+    }
+    return MoveUnreadableAside(store, path, notice) && document.Save(path);
+}
+
+bool SaveAll(ChannelStore& store, std::u16string* notice) {
+    const std::u16string path = store.channelStorePath();
+    SaveModifiedChannels(store);
+    return SaveStore(store, path, notice);
+}
+
+bool CloseStore(ChannelStore& store, std::u16string* notice) {
+    const bool saved = SaveAll(store, notice);
+    store.categories().clear();
+    store.SetLoaded(0);
+    store.SetChannelStorePath({});
+    return saved;
+}
+
+std::u16string OpenStoreFailedText(std::u16string_view path) {
+    std::u16string text(LoadString(kStrOpenStoreFailed));
+    const std::size_t at = text.find(kPathPlaceholder);
+    if (at != std::u16string::npos) {
+        text.replace(at, kPathPlaceholder.size(), path);
+    }
+    return text;
+}
+
+} // namespace qf

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "model/Channel.h"
+#include "net/RefreshObserver.h"
+#include "platform/TempFile.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace qf {
+
+class ChannelStore;
+class HttpFetcher;
+struct FetchSettings;
+
+// The update of one channel, cut where the work moves between threads. The thread that owns the
+// model copies what a worker needs (MakeChannelJob) and marks the channel as being updated
+// (BeginChannelUpdate); a worker downloads and parses into a private channel (FetchChannel) and
+// never touches the live model; the owner applies the outcome (ApplyChannelResult).
+
+struct ChannelJob {
+    // Names the live channel for the owner; a worker never follows it.
+    const Channel* channel = nullptr;
+    int32_t id = 0;
+    std::u16string title;
+    std::u16string url;
+    std::u16string userName;
+    std::u16string password;
+    std::u16string volume;
+    WString cacheFile;
+    bool takeTitle = false;
+    // The channel's feed fields without its stories; the feed is parsed into it.
+    std::unique_ptr<Channel> snapshot;
+    // For progress: the place among the channels of a refresh of all channels, and their number.
+    int32_t position = 0;
+    int32_t count = 0;
+};
+
+enum class UpdateOutcome {
+    kDownloadFailed,
+    kParseFailed,
+    kUpdated,
+};
+
+struct ChannelResult {
+    const Channel* channel = nullptr;
+    int32_t id = 0;
+    std::u16string volume;
+    UpdateOutcome outcome = UpdateOutcome::kDownloadFailed;
+    int32_t errorCode = 0;
+    bool takeTitle = false;
+    // The channel as parsed from the download, stories included.
+    std::unique_ptr<Channel> parsed;
+    // Downloads waiting to replace the cached feed and the logo; none when the fetcher left the
+    // cached feed as it was (ftp and file addresses count as up to date).
+    std::optional<TempFile> feed;
+    std::u16string feedPath;
+    std::optional<TempFile> image;
+    std::u16string imagePath;
+};
+
+// Owner thread. Gives the channel its cached feed name when it has none yet (-> `cacheFile`). A
+// non-zero `mergeOption` lets the feed's own title replace the channel's.
+ChannelJob MakeChannelJob(const ChannelStore& store, Channel& channel, int32_t mergeOption);
+
+// Owner thread: the channel shows that it is being updated.
+void BeginChannelUpdate(Channel& channel, RefreshObserver& observer);
+
+// Worker thread: downloads the feed into a file beside the cached feed and parses it, then
+// fetches the logo the feed names. Only the job's own copies are read.
+ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSettings& settings,
+                           RefreshObserver& observer);
+
+// Owner thread: the live channel named by the result, when the store still holds it.
+Channel* FindLiveChannel(const ChannelStore& store, const Channel* channel, int32_t id);
+
+// Owner thread: applies the outcome to the live channel, one result at a time. On success the
+// read states of the stories it had (read from its cached feed when they were not in memory) are
+// carried over, the download replaces the cached feed, the stories are swapped, and `completion`
+// (when set) is asked for; a failure records its error text and keeps stories and cached feed.
+// Answers whether the channel was updated; false also when the store no longer holds it.
+bool ApplyChannelResult(ChannelStore& store, RefreshObserver& observer, ChannelResult result,
+                        const RefreshCompletion& completion);
+
+} // namespace qf
