@@ -1,0 +1,96 @@
+#include "platform/Text.h"
+#include "ui/App.h"
+#include "ui/ChannelScreen.h"
+#include "ui/ChannelsScreen.h"
+#include "ui/MainWindow.h"
+#include "ui/PrivateMessages.h"
+#include "ui/ProgressBar.h"
+#include "ui/StoryScreen.h"
+
+namespace qf::ui {
+
+void App::HandOver(std::function<void()> work) {
+    PostHandOver(mainWindow_.get(),
+                 [token = std::weak_ptr<int>(handOverToken_), work = std::move(work)] {
+                     if (token.lock()) {
+                         work();
+                     }
+                 });
+}
+
+void App::ReportProgress(const RefreshProgress& progress) {
+    HandOver([this, progress] { ShowProgressLine(progress); });
+}
+
+void App::RedrawChannel(const Channel& channel) {
+    channelsScreen_->UpdateIcon(&channel);
+    channelsScreen_->UpdateRow(&channel, false);
+    if (channel.state() == kChannelUpdating) {
+        updating_.insert(&channel);
+        ShowProgress(true);
+    } else {
+        updating_.erase(&channel);
+        HideProgressWhenIdle();
+    }
+}
+
+void App::PostRefreshDone(Channel& channel, RefreshCompletion completion) {
+    qf::ui::PostRefreshDone(mainWindow_.get(), &channel,
+                            [token = std::weak_ptr<int>(handOverToken_),
+                             completion = std::move(completion)](Channel& done) {
+                                if (token.lock()) {
+                                    completion(done);
+                                }
+                            });
+}
+
+void App::RetireItems(Channel& channel, Channel::ItemList items) {
+    // A screen that shows one of these stories keeps pointing at it until it is filled anew.
+    if (channelScreen_->channel() == &channel || storyScreen_->channel() == &channel) {
+        retiredItems_.push_back(std::move(items));
+    }
+}
+
+void App::RefreshAllFinished() {
+    HideProgressWhenIdle();
+}
+
+void App::RefreshStarted() {
+    ShowProgress(true);
+}
+
+void App::HideProgressWhenIdle() {
+    if (updating_.empty() && store_.busy() == 0) {
+        ShowProgress(false);
+    }
+}
+
+void App::ShowProgress(bool shown) {
+    channelsScreen_->ShowProgress(shown);
+    channelScreen_->ShowProgress(shown);
+    storyScreen_->ShowProgress(shown);
+}
+
+void App::ShowProgressLine(const RefreshProgress& progress) {
+    std::u16string line = progress.title;
+    if (!line.empty()) {
+        line += u": ";
+    }
+    line += progress.stageText;
+    const QString text = QString::fromStdU16String(line);
+    for (ProgressBar* bar :
+         {channelsScreen_->progress(), channelScreen_->progress(), storyScreen_->progress()}) {
+        bar->SetText(text);
+        if (progress.count > 0) {
+            bar->SetRange(0, progress.count);
+            bar->SetPosition(progress.position - 1);
+        } else if (progress.totalBytes > 0) {
+            bar->SetRange(0, static_cast<int>(std::min<int64_t>(progress.totalBytes, INT32_MAX)));
+            bar->SetPosition(static_cast<int>(std::min(progress.bytesSoFar, progress.totalBytes)));
+        } else {
+            bar->SetRange(0, 0);
+        }
+    }
+}
+
+} // namespace qf::ui
