@@ -91,6 +91,8 @@ bool App::Start() {
         SetScreen(kWelcomeScreen);
     }
     mainWindow_->show();
+    // Without a window manager (a kiosk handheld) nobody else gives the window the keyboard.
+    mainWindow_->activateWindow();
     return true;
 }
 

@@ -72,11 +72,11 @@ void App::ShowProgress(bool shown) {
 }
 
 void App::ShowProgressLine(const RefreshProgress& progress) {
-    std::u16string line = progress.title;
-    if (!line.empty()) {
-        line += u": ";
+    // The stage first: a long title is what the bar cuts short.
+    std::u16string line(progress.stageText);
+    if (!progress.title.empty()) {
+        line += u": " + progress.title;
     }
-    line += progress.stageText;
     const QString text = QString::fromStdU16String(line);
     for (ProgressBar* bar :
          {channelsScreen_->progress(), channelScreen_->progress(), storyScreen_->progress()}) {

@@ -54,8 +54,11 @@ ChannelsScreen::ChannelsScreen(QObject* frame, ChannelStore& store, DeviceFamily
 bool ChannelsScreen::eventFilter(QObject* watched, QEvent* event) {
     if (watched == list_ && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) &&
-            list_->currentIndex().isValid()) {
+        const QModelIndex current = list_->currentIndex();
+        if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) && current.isValid()) {
+            // The list makes its first row current when it gains focus without selecting it;
+            // Enter opens the row the user sees marked.
+            list_->selectionModel()->select(current, QItemSelectionModel::ClearAndSelect);
             PostControlMessage(frame_, QFM_ITEMACTIVATE, kCtlChannelList);
             return true;
         }

@@ -91,7 +91,10 @@ private:
         painter.save();
         painter.setPen(Inverse(base.pixel(pixel)));
         painter.setClipRect(part);
-        painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, owner_.text());
+        // A line longer than the bar ends in an ellipsis rather than being cut at both ends.
+        const QString text =
+            painter.fontMetrics().elidedText(owner_.text(), Qt::ElideRight, rect().width());
+        painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text);
         painter.restore();
     }
 
