@@ -2,6 +2,7 @@
 #include "ui/App.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
+#include "ui/MenuTables.h"
 #include "ui/SoftKeyBar.h"
 #include "ui/StoryScreen.h"
 
@@ -57,6 +58,13 @@ void App::OnMenuPopup(QMenu* menu, bool fromMenuKey) {
 
 void App::UpdateMenuState(QMenu* menu) {
     const bool busy = store_.busy() != 0;
+    // The category entries share their numbers with other commands (40109 is also "Delete
+    // Channel"); what those commands allow must not grey out a category.
+    if (menu->title() ==
+        QString::fromUtf16(kCategorySubmenuCaption.data(),
+                           static_cast<qsizetype>(kCategorySubmenuCaption.size()))) {
+        return;
+    }
     if (screen_ == kChannelsScreen) {
         const bool selected = channelsScreen_->SelectedChannel() != nullptr;
         for (int command :

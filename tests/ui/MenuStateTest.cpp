@@ -65,6 +65,16 @@ TEST_F(MenuStateTest, CategorySubmenuListsTheCategoriesAndChecksTheShownOne) {
     EXPECT_FALSE(MenuEntry(kCmdNewChannelsOnly)->isChecked());
 }
 
+TEST_F(MenuStateTest, CategoriesSharingACommandNumberStayEnabled) {
+    StartWithCategories({u"A", u"B", u"C", u"D", u"E", u"F", u"G", u"H", u"I"});
+    QMenu* categories = OpenMenu(QStringLiteral("View"))->actions().first()->menu();
+    emit categories->aboutToShow();
+    // The ninth category is entry 40109, the number of "Delete Channel", which needs a row.
+    EXPECT_EQ(categories->actions().last()->text(), QStringLiteral("I"));
+    EXPECT_TRUE(categories->actions().last()->isEnabled());
+    EXPECT_FALSE(MenuEntry(kCmdDeleteChannel)->isEnabled());
+}
+
 TEST_F(MenuStateTest, CategoryListIsLeftAloneWhileARefreshRuns) {
     StartWithCategories({u"World"});
     app().store().busy() = 1;
