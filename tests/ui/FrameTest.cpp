@@ -63,6 +63,19 @@ TEST_F(FrameTest, StoreFileOpensTheChannelsScreenWithTheAutoUpdateTimer) {
     EXPECT_EQ(app.autoUpdateTimer()->interval(), 30000);
 }
 
+TEST_F(FrameTest, WindowStartsPhoneSizedAndComesBackAsItWasLeft) {
+    App& first = StartApp();
+    EXPECT_LT(first.mainWindow()->width(), first.mainWindow()->height());
+    first.mainWindow()->setGeometry(40, 50, 500, 420);
+    QuitApp();
+    App& second = StartApp();
+    EXPECT_EQ(second.mainWindow()->size(), QSize(500, 420));
+    const std::string settings =
+        qf::test::ReadFileBytes(dir_ / "config" / "Orvelcraft" / "Quillfeed.conf");
+    EXPECT_NE(settings.find("[Options]"), std::string::npos);
+    EXPECT_NE(settings.find("[Window]"), std::string::npos);
+}
+
 TEST_F(FrameTest, SmartphoneNeverUpdatesByItself) {
     WriteCategories(1);
     App& app = StartApp({true, 12});
