@@ -10,6 +10,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
     commands.push_back(MakeExportCommand());
     commands.push_back(MakeImportCommand());
     commands.push_back(std::make_unique<ParseCommand>());
+    commands.push_back(MakeRefreshCommand());
     return commands;
 }
 

@@ -11,5 +11,6 @@ std::unique_ptr<Command> MakeListCommand();
 std::unique_ptr<Command> MakeAddCommand();
 std::unique_ptr<Command> MakeExportCommand();
 std::unique_ptr<Command> MakeImportCommand();
+std::unique_ptr<Command> MakeRefreshCommand();
 
 } // namespace qf::cli

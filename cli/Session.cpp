@@ -31,15 +31,16 @@ bool Session::LoadStoreFile(Access access) {
         PrintError(u"The storage volume '" + volume() + u"' of the settings is not there.");
         return false;
     }
-    // A fresh user's store starts as an empty store file would load: with the ids counted from
-    // 1, so the first channel keeps its id (and its cached file) across runs.
-    if (!FileExists(path)) {
-        store_.RecomputeNextId();
-        return true;
-    }
-    if (!LoadStore(store_, path)) {
+    if (FileExists(path) && !LoadStore(store_, path)) {
         PrintError(OpenStoreFailedText(path));
-        return access == Access::kWrite;
+        if (access == Access::kRead) {
+            return false;
+        }
+    }
+    // A store that starts empty counts its ids from 1, as an empty store file would load, so the
+    // first channel keeps its id (and with it its cached file) across runs.
+    if (store_.nextId() == 0) {
+        store_.RecomputeNextId();
     }
     return true;
 }

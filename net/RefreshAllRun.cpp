@@ -36,9 +36,13 @@ bool RefreshAllRun::Run() {
         anyVisited = true;
         if (visits_[index].hasAddress) {
             HandOverBegin(index);
+        }
+        // A channel is begun before its download may start, and the ones ahead of it only
+        // download while it is the current one.
+        Advance(index + 1);
+        if (visits_[index].hasAddress) {
             HandOverResult(AwaitResult(index, ownFetcher));
         }
-        Advance(index + 1);
     }
     {
         const std::lock_guard lock(mutex_);
@@ -64,10 +68,12 @@ void RefreshAllRun::Download() {
 std::optional<std::size_t> RefreshAllRun::TakeNextJob() {
     std::unique_lock lock(mutex_);
     for (;;) {
-        // Stay within reach of the channel being applied, so that finished downloads do not pile
-        // up, and take no new channel once a stop was asked for.
+        // Nothing is downloaded before the run has begun its first channel, and then no more
+        // than the current channel and a few after it, so that finished downloads do not pile
+        // up. No new channel is taken once a stop was asked for.
         changed_.wait(lock, [this] {
-            return quit_ || nextJob_ >= jobs_.size() || nextJob_ < cursor_ + parallelDownloads_;
+            return quit_ || nextJob_ >= jobs_.size() ||
+                   (begun_ > 0 && nextJob_ + 1 < begun_ + parallelDownloads_);
         });
         if (quit_ || nextJob_ >= jobs_.size() || StopRequested()) {
             return std::nullopt;
@@ -94,10 +100,10 @@ ChannelResult RefreshAllRun::AwaitResult(std::size_t index, HttpFetcher& ownFetc
     return result;
 }
 
-void RefreshAllRun::Advance(std::size_t cursor) {
+void RefreshAllRun::Advance(std::size_t begun) {
     {
         const std::lock_guard lock(mutex_);
-        cursor_ = cursor;
+        begun_ = begun;
     }
     changed_.notify_all();
 }

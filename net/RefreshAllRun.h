@@ -32,7 +32,7 @@ private:
     void Download();
     std::optional<std::size_t> TakeNextJob();
     ChannelResult AwaitResult(std::size_t index, HttpFetcher& ownFetcher);
-    void Advance(std::size_t cursor);
+    void Advance(std::size_t begun);
     void HandOverBegin(std::size_t index);
     void HandOverResult(ChannelResult result);
 
@@ -56,7 +56,8 @@ private:
     std::condition_variable changed_;
     std::vector<std::optional<ChannelResult>> results_;
     std::size_t nextJob_ = 0;
-    std::size_t cursor_ = 0;
+    // How many channels the run has begun so far.
+    std::size_t begun_ = 0;
     bool quit_ = false;
 };
 

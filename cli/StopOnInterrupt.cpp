@@ -1,0 +1,53 @@
+#include "cli/StopOnInterrupt.h"
+
+#include "model/ChannelStore.h"
+
+#include <atomic>
+
+namespace qf::cli {
+
+namespace {
+
+// A signal handler may only touch lock-free atomics.
+std::atomic<std::atomic<int32_t>*> gStopRequested{nullptr};
+std::atomic<std::atomic<int32_t>*> gAbortRequested{nullptr};
+std::atomic<int> gInterrupts{0};
+static_assert(std::atomic<int32_t>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
+
+void OnInterrupt(int signal) {
+    if (gInterrupts.fetch_add(1) > 0) {
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+        return;
+    }
+    if (auto* stop = gStopRequested.load()) {
+        stop->store(1);
+    }
+    if (auto* abort = gAbortRequested.load()) {
+        abort->store(1);
+    }
+}
+
+} // namespace
+
+StopOnInterrupt::StopOnInterrupt(ChannelStore& store) {
+    gStopRequested = &store.stopRequested();
+    gAbortRequested = &store.abortRequested();
+    gInterrupts = 0;
+    struct sigaction action {};
+    action.sa_handler = OnInterrupt;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, &previous_);
+}
+
+StopOnInterrupt::~StopOnInterrupt() {
+    sigaction(SIGINT, &previous_, nullptr);
+    gStopRequested = nullptr;
+    gAbortRequested = nullptr;
+}
+
+bool StopOnInterrupt::interrupted() const {
+    return gInterrupts.load() > 0;
+}
+
+} // namespace qf::cli

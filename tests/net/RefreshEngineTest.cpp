@@ -1,0 +1,318 @@
+#include "net/RefreshEngine.h"
+
+#include "model/CachedFeeds.h"
+#include "model/ChannelStore.h"
+#include "net/OwnerQueue.h"
+#include "platform/Text.h"
+#include "support/TestEnv.h"
+#include "support/TestServer.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+
+#include <gtest/gtest.h>
+
+namespace qf {
+namespace {
+
+using namespace std::chrono_literals;
+using test::Route;
+
+constexpr SystemTime kNow{2024, 3, 5, 15, 10, 30, 0, 0};
+constexpr char kPubDate[] = "Fri, 15 Mar 2024 08:00:00 GMT";
+
+// An RSS feed of `count` stories linked to http://example.org/0, /1, ...
+std::string Rss(int count, const std::string& extra = "") {
+    std::string feed =
+        "<?xml version=\"1.0\"?><rss version=\"2.0\"><channel><title>Feed</title>" + extra;
+    for (int i = 0; i < count; ++i) {
+        const std::string n = std::to_string(i);
+        feed += "<item><title>Story " + n + "</title><link>http://example.org/" + n +
+                "</link><pubDate>" + kPubDate + "</pubDate></item>";
+    }
+    return feed + "</channel></rss>";
+}
+
+// Stands in for the screens: hand-overs wait in a queue that the test runs as the owner thread.
+class RecordingObserver : public RefreshObserver {
+public:
+    void HandOver(std::function<void()> work) override { queue.Post(std::move(work)); }
+    void ReportProgress(const RefreshProgress& progress) override {
+        if (onProgress) {
+            onProgress(progress);
+        }
+    }
+    void RedrawChannel(const Channel& channel) override {
+        if (channel.state() == kChannelUpdating) {
+            begun.push_back(channel.id());
+        }
+    }
+    void PostRefreshDone(Channel& channel, RefreshCompletion completion) override {
+        queue.Post([&channel, completion] { completion(channel); });
+    }
+    void RefreshAllFinished() override { finished = true; }
+
+    void RunUntil(const std::function<bool()>& done) {
+        const auto deadline = std::chrono::steady_clock::now() + 30s;
+        while (!done() && std::chrono::steady_clock::now() < deadline) {
+            queue.WaitAndRun(20ms);
+        }
+        ASSERT_TRUE(done());
+    }
+
+    OwnerQueue queue;
+    // Called on worker threads.
+    std::function<void(const RefreshProgress&)> onProgress;
+    std::vector<int32_t> begun;
+    bool finished = false;
+};
+
+class RefreshEngineTest : public ::testing::Test {
+protected:
+    Channel& AddChannel(const std::string& category, const std::string& path) {
+        Category* into = store.FindCategory(Utf8ToUtf16(category));
+        if (into == nullptr) {
+            into = store.AddCategory(std::make_unique<Category>(WString(Utf8ToUtf16(category))));
+        }
+        auto channel = std::make_unique<Channel>();
+        channel->SetId(static_cast<int32_t>(++lastId));
+        channel->SetTitle(WString(Utf8ToUtf16(path)));
+        channel->SetXmlUrl(WString(path.empty() ? u"" : server.url(path)));
+        return *into->AddChannel(std::move(channel));
+    }
+    void Serve(const std::string& path, const std::string& body, int status = 200) {
+        server.addRoute({.path = path, .status = status, .body = body});
+    }
+    std::filesystem::path CachedFeed(const Channel& channel) const {
+        return home / "QFChannelsData" / ("Channel" + std::to_string(channel.id()) + ".xml");
+    }
+    void RefreshAll(bool all) {
+        observer.finished = false;
+        ASSERT_TRUE(engine.StartRefreshAll(all));
+        observer.RunUntil([this] { return observer.finished; });
+    }
+    static std::u16string Stamped(std::u16string_view text) {
+        return std::u16string(text) + u"@" + FeedDate::NowUtc().FormatShortLocal();
+    }
+
+    test::EnvVar noProxy{"no_proxy", "*"};
+    test::TempDir home;
+    test::EnvVar dataHome{"QUILLFEED_HOME", home.path().string()};
+    test::EnvVar configHome{"XDG_CONFIG_HOME", (home / "config").string()};
+    test::FakeClock clock{kNow};
+    test::TestServer server;
+    ChannelStore store;
+    RecordingObserver observer;
+    RefreshEngine engine{store, observer, {.timeout = 5s}};
+    int lastId = 0;
+};
+
+TEST_F(RefreshEngineTest, RefreshAllVisitsTheShownRowsFirstAndRecordsEveryOutcome) {
+    Channel& good = AddChannel("News", "/good");
+    Channel& missing = AddChannel("News", "/missing");
+    Channel& junk = AddChannel("Tech", "/junk");
+    Channel& noAddress = AddChannel("Tech", "");
+    Serve("/good", Rss(3));
+    Serve("/junk", "this is no feed");
+    store.SetCategoryId(1);
+
+    RefreshAll(true);
+
+    EXPECT_EQ(observer.begun, (std::vector<int32_t>{junk.id(), good.id(), missing.id()}));
+    EXPECT_EQ(good.state(), kChannelIdle);
+    EXPECT_EQ(good.items().size(), 3u);
+    EXPECT_EQ(good.newItemCount(), 3);
+    EXPECT_EQ(good.updateTime(), FeedDate::NowUtc());
+    EXPECT_TRUE(std::filesystem::exists(CachedFeed(good)));
+    EXPECT_EQ(missing.state(), kChannelFailed);
+    EXPECT_EQ(missing.hasErrors(), 1);
+    EXPECT_EQ(missing.errorText(), Stamped(u"Failed to download the channel; Error code: 404"));
+    EXPECT_EQ(junk.state(), kChannelFailed);
+    EXPECT_EQ(junk.errorText(), Stamped(u"Failed to parse the channel"));
+    EXPECT_FALSE(std::filesystem::exists(CachedFeed(junk)));
+    EXPECT_EQ(noAddress.state(), kChannelIdle);
+    EXPECT_TRUE(noAddress.errorText().isNull());
+    EXPECT_EQ(store.busy(), 0);
+    EXPECT_EQ(store.updateDate(), FeedDate::NowUtc());
+    for (const auto& entry : std::filesystem::directory_iterator(home / "QFChannelsData")) {
+        EXPECT_EQ(entry.path().string().find(".part-"), std::string::npos) << entry.path();
+    }
+}
+
+TEST_F(RefreshEngineTest, FailedRefreshKeepsTheCachedFeedAndTheStories) {
+    Channel& channel = AddChannel("News", "/feed");
+    Serve("/feed", Rss(2));
+    ASSERT_TRUE(engine.UpdateChannel(channel, 0));
+    const std::string cached = test::ReadFileBytes(CachedFeed(channel));
+    const NewsItem* first = channel.ItemAt(0);
+
+    Serve("/feed", "broken", 500);
+    EXPECT_FALSE(engine.UpdateChannel(channel, 0));
+    EXPECT_EQ(channel.errorText(), Stamped(u"Failed to download the channel; Error code: 0"));
+    Serve("/feed", Rss(5).substr(0, 200));
+    EXPECT_FALSE(engine.UpdateChannel(channel, 0));
+    EXPECT_EQ(channel.errorText(), Stamped(u"Failed to parse the channel"));
+
+    EXPECT_EQ(channel.state(), kChannelFailed);
+    EXPECT_EQ(channel.ItemAt(0), first);
+    EXPECT_EQ(channel.itemCount(), 2);
+    EXPECT_EQ(test::ReadFileBytes(CachedFeed(channel)), cached);
+}
+
+TEST_F(RefreshEngineTest, ReadStateSurvivesRefreshesWhetherOrNotTheChannelWasOpened) {
+    Channel& channel = AddChannel("News", "/feed");
+    // Left by an earlier run: the first story was read, and the channel is not open now.
+    std::string earlier = Rss(3);
+    earlier.replace(earlier.find("<item>"), 6, "<item qf_wasRead=\"yes\">");
+    std::filesystem::create_directories(CachedFeed(channel).parent_path());
+    test::WriteFileBytes(CachedFeed(channel), earlier);
+    Serve("/feed", Rss(4));
+
+    ASSERT_TRUE(engine.UpdateChannel(channel, 0));
+    EXPECT_TRUE(channel.ItemAt(0)->isRead());
+    EXPECT_EQ(channel.newItemCount(), 3);
+
+    channel.ItemAt(2)->SetRead(1);
+    ASSERT_TRUE(engine.UpdateChannel(channel, 0));
+    EXPECT_TRUE(channel.ItemAt(0)->isRead());
+    EXPECT_TRUE(channel.ItemAt(2)->isRead());
+    EXPECT_EQ(channel.newItemCount(), 2);
+
+    // Saved states land in the new cached feed and come back in a later run.
+    ASSERT_TRUE(SaveModifiedChannels(store));
+    Channel later;
+    later.SetId(channel.id());
+    later.SetXmlUrl(channel.xmlUrl());
+    ASSERT_TRUE(LoadCachedFeed(later, u"\\"));
+    EXPECT_EQ(later.newItemCount(), 2);
+}
+
+TEST_F(RefreshEngineTest, LogoIsDownloadedAfterTheFeed) {
+    Channel& channel = AddChannel("News", "/feed");
+    const std::string logo = "\x89PNG not really";
+    Serve("/feed",
+          Rss(1, "<image><url>" + Utf16ToUtf8(server.url("/logo.png")) + "</url></image>"));
+    Serve("/logo.png", logo);
+
+    ASSERT_TRUE(engine.UpdateChannel(channel, 0));
+
+    const std::string name = "Image" + std::to_string(channel.id()) + ".png";
+    EXPECT_EQ(channel.image().localFile(), Utf8ToUtf16(name));
+    EXPECT_EQ(test::ReadFileBytes(home / "QFChannelsData" / name), logo);
+}
+
+TEST_F(RefreshEngineTest, StopEndsTheRunInTheCurrentChannelAndKeepsItsCachedFeed) {
+    Channel& endless = AddChannel("News", "/endless");
+    Channel& next = AddChannel("News", "/next");
+    server.addRoute(
+        {.path = "/endless", .body = Rss(1).substr(0, 80), .mode = Route::Body::Endless});
+    Serve("/next", Rss(2));
+    std::filesystem::create_directories(CachedFeed(endless).parent_path());
+    test::WriteFileBytes(CachedFeed(endless), Rss(1));
+    // The stop button, pressed while the first channel's body is coming in.
+    observer.onProgress = [this, id = endless.id()](const RefreshProgress& progress) {
+        if (progress.channelId == id && progress.bytesSoFar > 0) {
+            store.stopRequested() = 1;
+        }
+    };
+
+    RefreshAll(true);
+
+    EXPECT_EQ(observer.begun, std::vector<int32_t>{endless.id()});
+    EXPECT_EQ(endless.state(), kChannelFailed);
+    EXPECT_EQ(test::ReadFileBytes(CachedFeed(endless)), Rss(1));
+    EXPECT_EQ(next.state(), kChannelIdle);
+    EXPECT_TRUE(next.items().empty());
+    EXPECT_FALSE(std::filesystem::exists(CachedFeed(next)));
+    EXPECT_EQ(store.busy(), 0);
+    EXPECT_EQ(store.stopRequested(), 0);
+}
+
+TEST_F(RefreshEngineTest, DueChannelsFollowTheirIntervalStrictly) {
+    store.SetUpdateValue(1);
+    store.SetUpdateUnit(kUnitMinutes);
+    Channel& exactlyDue = AddChannel("News", "/a");
+    Channel& overDue = AddChannel("News", "/b");
+    Channel& ownSeconds = AddChannel("News", "/c");
+    FeedDate minuteAgo;
+    minuteAgo.SetFields(2024, 3, 15, 10, 29, 0, 0);
+    FeedDate minuteAndASecondAgo;
+    minuteAndASecondAgo.SetFields(2024, 3, 15, 10, 28, 59, 0);
+    exactlyDue.SetUpdateTime(minuteAgo);
+    overDue.SetUpdateTime(minuteAndASecondAgo);
+    ownSeconds.SetUpdateValue(59);
+    ownSeconds.SetUpdateUnit(7);
+    ownSeconds.SetUpdateTime(minuteAgo);
+    for (const char* path : {"/a", "/b", "/c"}) {
+        Serve(path, Rss(1));
+    }
+
+    engine.OnAutoUpdateTimer();
+    EXPECT_EQ(store.busy(), 0);
+    store.SetAutoUpdate(1);
+    observer.finished = false;
+    engine.OnAutoUpdateTimer();
+    observer.RunUntil([this] { return observer.finished; });
+
+    EXPECT_EQ(server.hits("/a"), 0);
+    EXPECT_EQ(server.hits("/b"), 1);
+    EXPECT_EQ(server.hits("/c"), 1);
+    const FeedDate firstRun = store.updateDate();
+    EXPECT_EQ(firstRun, FeedDate::NowUtc());
+
+    // An hour later the store is due again but with every channel on a day's interval nothing
+    // is, and a run that updates nothing leaves the last run's time alone.
+    for (Channel* channel : {&exactlyDue, &overDue, &ownSeconds}) {
+        channel->SetUpdateValue(1);
+        channel->SetUpdateUnit(kUnitDays);
+    }
+    clock.set({2024, 3, 5, 15, 11, 30, 0, 0});
+    RefreshAll(false);
+    EXPECT_EQ(store.updateDate(), firstRun);
+}
+
+// Several workers at once while the owner thread keeps reading, marking and sorting stories;
+// ThreadSanitizer watches this one.
+TEST_F(RefreshEngineTest, RefreshThreadsOverlapWhileTheOwnerReadsMarksAndSorts) {
+    std::vector<Channel*> channels;
+    for (int i = 0; i < 12; ++i) {
+        const std::string path = "/feed" + std::to_string(i);
+        Serve(path, Rss(20 + i));
+        channels.push_back(&AddChannel(i % 2 == 0 ? "Even" : "Odd", path));
+    }
+    std::atomic<int> progressReports = 0;
+    observer.onProgress = [&progressReports](const RefreshProgress&) { ++progressReports; };
+    int completions = 0;
+    const RefreshCompletion done = [&completions](Channel&) { ++completions; };
+
+    ASSERT_TRUE(engine.StartRefreshAll(true));
+    engine.StartChannelUpdate(*channels[0], 0, true, done);
+    engine.StartChannelUpdate(*channels[0], 0, true, done);
+    observer.RunUntil([&] {
+        for (Channel* channel : channels) {
+            std::vector<NewsItem*> sorted;
+            for (const auto& item : channel->items()) {
+                sorted.push_back(item.get());
+                if (!item->title().empty() && !item->isRead()) {
+                    item->SetRead(1);
+                    channel->SetNewItemCount(channel->newItemCount() - 1);
+                }
+            }
+            std::sort(sorted.begin(), sorted.end(), [](const NewsItem* a, const NewsItem* b) {
+                return a->date().Ticks() < b->date().Ticks();
+            });
+        }
+        return observer.finished && completions == 2 && !engine.HasRunningWorkers();
+    });
+
+    for (int i = 0; i < 12; ++i) {
+        EXPECT_EQ(channels[i]->state(), kChannelIdle);
+        EXPECT_EQ(channels[i]->itemCount(), 20 + i);
+    }
+    EXPECT_EQ(server.hits("/feed0"), 3);
+    EXPECT_GT(progressReports.load(), 0);
+}
+
+} // namespace
+} // namespace qf

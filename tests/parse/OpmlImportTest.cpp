@@ -1,0 +1,81 @@
+#include "parse/OpmlImport.h"
+
+#include "model/ChannelStore.h"
+#include "platform/AtomicFile.h"
+#include "support/TestEnv.h"
+
+#include <algorithm>
+#include <regex>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+namespace qf {
+namespace {
+
+TEST(OpmlImport, DirectoryHasNineCategoriesOfPlainChannels) {
+    const std::string_view text = ChannelDirectoryText();
+    EXPECT_TRUE(std::all_of(text.begin(), text.end(),
+                            [](char c) { return c > 0 && static_cast<unsigned char>(c) < 0x80; }));
+    EXPECT_TRUE(text.starts_with("<?xml version=\"1.0\"?>\n"));
+    EXPECT_NE(text.find("<head/>"), std::string_view::npos);
+    // Every outline is a category with only a name, or a channel with only a name and an address.
+    std::istringstream lines{std::string(text)};
+    const std::regex category(R"(<outline text="[^"]+">)");
+    const std::regex channel(R"(<outline text="[^"]+" xmlUrl="https?://[^"]+"/>)");
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find("<outline") != std::string::npos) {
+            EXPECT_TRUE(std::regex_match(line, category) || std::regex_match(line, channel))
+                << line;
+        }
+    }
+
+    ChannelStore store;
+    ASSERT_TRUE(ImportOpml(BuiltInDirectory{}, store));
+    const std::vector<std::pair<std::u16string, std::size_t>> expected = {
+        {u"News", 13},   {u"Entertainment", 6}, {u"Podcasts", 2},
+        {u"Sports", 16}, {u"Business", 5},      {u"Computers", 6},
+        {u"Health", 5},  {u"Travel", 2},        {u"Science / Technology", 9}};
+    ASSERT_EQ(store.categories().size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(store.categories()[i]->name(), expected[i].first);
+        EXPECT_EQ(store.categories()[i]->channels().size(), expected[i].second);
+    }
+}
+
+TEST(OpmlImport, FileFlattensSubGroupsAndPutsLooseChannelsInDefault) {
+    const test::TempDir dir;
+    test::WriteFileBytes(dir / "list.opml", R"(<?xml version="1.0" encoding="ISO-8859-1"?>
+        <opml version="2.0"><head><title>Mine</title></head><body>
+          <outline text="Café" xmlUrl="http://loose/"/>
+          <outline text="Tech"><outline text="Linux">
+            <outline type="rss" text="LWN" title="Ignored" xmlUrl="https://lwn.net/headlines/rss"/>
+          </outline><outline text="Twice" xmlUrl="http://twice/"/>
+          <outline text="Twice" xmlUrl="http://twice/"/></outline>
+        </body></opml>)");
+    ChannelStore store;
+    ASSERT_TRUE(ImportOpml(FromFsPath(dir / "list.opml"), store));
+    ASSERT_EQ(store.categories().size(), 2u);
+    const Category& loose = *store.categories()[0];
+    EXPECT_EQ(loose.name(), u"Default");
+    // The file is read in the default character set whatever its declaration says.
+    EXPECT_EQ(loose.channels()[0]->title(), u"Café");
+    const Category& tech = *store.categories()[1];
+    ASSERT_EQ(tech.channels().size(), 3u);
+    EXPECT_EQ(tech.channels()[0]->title(), u"LWN");
+    EXPECT_EQ(tech.channels()[2]->xmlUrl(), u"http://twice/");
+}
+
+TEST(OpmlImport, MissingEmptyAndNonOpmlFilesFail) {
+    const test::TempDir dir;
+    ChannelStore store;
+    EXPECT_FALSE(ImportOpml(FromFsPath(dir / "missing.opml"), store));
+    test::WriteFileBytes(dir / "empty.opml", "");
+    EXPECT_FALSE(ImportOpml(FromFsPath(dir / "empty.opml"), store));
+    test::WriteFileBytes(dir / "feed.xml", "<?xml version=\"1.0\"?><rss><channel/></rss>");
+    EXPECT_FALSE(ImportOpml(FromFsPath(dir / "feed.xml"), store));
+    EXPECT_TRUE(store.categories().empty());
+}
+
+} // namespace
+} // namespace qf

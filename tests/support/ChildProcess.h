@@ -1,0 +1,31 @@
+#pragma once
+
+#include "support/RunProgram.h"
+#include "support/TestEnv.h"
+
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace qf::test {
+
+// A program started in the background with this process's environment, standard input empty and
+// its output kept in files, for tests that act on it while it runs.
+class ChildProcess {
+public:
+    ChildProcess(const std::string& path, const std::vector<std::string>& arguments);
+    // Kills the program when it still runs.
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    void Signal(int signal) const;
+    // Waits for the program to end and collects what it left.
+    ProgramResult Wait();
+
+private:
+    TempDir scratch_;
+    pid_t pid_ = -1;
+};
+
+} // namespace qf::test
