@@ -1,5 +1,4 @@
 #include "cli/Commands.h"
-#include "cli/ParseCommand.h"
 
 namespace qf::cli {
 
@@ -9,7 +8,10 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
     commands.push_back(MakeAddCommand());
     commands.push_back(MakeExportCommand());
     commands.push_back(MakeImportCommand());
-    commands.push_back(std::make_unique<ParseCommand>());
+    commands.push_back(MakeParseCommand());
+    commands.push_back(MakeShowCommand());
+    commands.push_back(MakeMarkCommand());
+    commands.push_back(MakeRemoveCommand());
     commands.push_back(MakeRefreshCommand());
     return commands;
 }

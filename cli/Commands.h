@@ -11,6 +11,10 @@ std::unique_ptr<Command> MakeListCommand();
 std::unique_ptr<Command> MakeAddCommand();
 std::unique_ptr<Command> MakeExportCommand();
 std::unique_ptr<Command> MakeImportCommand();
+std::unique_ptr<Command> MakeParseCommand();
+std::unique_ptr<Command> MakeShowCommand();
+std::unique_ptr<Command> MakeMarkCommand();
+std::unique_ptr<Command> MakeRemoveCommand();
 std::unique_ptr<Command> MakeRefreshCommand();
 
 } // namespace qf::cli

@@ -6,6 +6,7 @@
 #include "model/FileUtil.h"
 #include "parse/Charset.h"
 #include "parse/XmlDocument.h"
+#include "parse/XmlWriter.h"
 #include "platform/AtomicFile.h"
 #include "platform/StringTable.h"
 #include "platform/Text.h"
@@ -60,89 +61,81 @@ constexpr std::u16string_view kUpdateTime = u"updateTime";
 constexpr std::u16string_view kHasErrors = u"qf_hasErrors";
 constexpr std::u16string_view kErrorText = u"qf_errorText";
 
-WString Decimal(int32_t value) {
-    return WString(AsciiToUtf16(std::to_string(value)));
+std::u16string_view YesNo(int32_t value) {
+    return value != 0 ? kYes : kNo;
 }
 
-WString YesNo(int32_t value) {
-    return WString(value != 0 ? kYes : kNo);
-}
-
-// Builds the document of a whole store, element by element in the order readers of the file
-// expect.
+// Writes the document of a whole store, element by element in the order readers of the file
+// expect. Null texts write no attribute, so a channel without credentials or error has none.
+// The document is written straight to text rather than built as a tree: a store can hold
+// thousands of channels, and the tree would cost several times the writing.
 class StoreWriter {
 public:
-    explicit StoreWriter(XmlDocument& document) : document_(document) {}
-
-    bool Write(const ChannelStore& store) {
-        if (!document_.NewDocument()) {
-            return false;
-        }
-        const XmlNode root = document_.CreateChildElement(document_.RootNode(), kOpml);
-        if (!root) {
-            return false;
-        }
-        document_.SetAttribute(root, kVersion, WString(kFileVersion));
-        WriteOptions(document_.CreateChildElement(root, kHead), store);
-        const XmlNode body = document_.CreateChildElement(root, kBody);
+    std::string Write(const ChannelStore& store) {
+        writer_.StartElement(kOpml);
+        writer_.Attribute(kVersion, kFileVersion);
+        WriteOptions(store);
+        writer_.StartElement(kBody);
         for (const auto& category : store.categories()) {
-            WriteCategory(body, *category);
+            WriteCategory(*category);
         }
-        return true;
+        return writer_.Finish();
     }
 
 private:
-    void WriteOptions(XmlNode head, const ChannelStore& store) {
-        const XmlNode options = document_.CreateChildElement(head, kOptions);
-        const XmlNode channels = document_.CreateChildElement(options, kChannels);
-        document_.SetAttribute(channels, kCategoryId, Decimal(store.categoryId()));
-        document_.SetAttribute(channels, kNextId, Decimal(store.nextId()));
-        document_.SetAttribute(channels, kNewChannels, YesNo(store.newChannels()));
-        const XmlNode list = document_.CreateChildElement(options, kChannel);
-        document_.SetAttribute(list, kSortBy, Decimal(store.sortBy()));
-        document_.SetAttribute(list, kSortOrder, Decimal(store.sortOrder()));
-        document_.SetAttribute(list, kNewHeadlines, YesNo(store.newHeadlines()));
-        document_.SetAttribute(list, kAutoUpdate, YesNo(store.autoUpdate()));
-        document_.SetAttribute(list, kUpdateValue, Decimal(store.updateValue()));
-        document_.SetAttribute(list, kUpdateUnit, Decimal(store.updateUnit()));
-        std::u16string updateDate = store.updateDate().FormatRfc822();
+    void WriteOptions(const ChannelStore& store) {
+        writer_.StartElement(kHead);
+        writer_.StartElement(kOptions);
+        writer_.StartElement(kChannels);
+        writer_.Attribute(kCategoryId, store.categoryId());
+        writer_.Attribute(kNextId, store.nextId());
+        writer_.Attribute(kNewChannels, YesNo(store.newChannels()));
+        writer_.EndElement();
+        writer_.StartElement(kChannel);
+        writer_.Attribute(kSortBy, store.sortBy());
+        writer_.Attribute(kSortOrder, store.sortOrder());
+        writer_.Attribute(kNewHeadlines, YesNo(store.newHeadlines()));
+        writer_.Attribute(kAutoUpdate, YesNo(store.autoUpdate()));
+        writer_.Attribute(kUpdateValue, store.updateValue());
+        writer_.Attribute(kUpdateUnit, store.updateUnit());
+        const std::u16string updateDate = store.updateDate().FormatRfc822();
         if (!updateDate.empty()) {
-            document_.SetAttribute(list, kUpdateDate, WString(std::move(updateDate)));
+            writer_.Attribute(kUpdateDate, std::u16string_view(updateDate));
         }
+        writer_.EndElement();
+        writer_.EndElement();
+        writer_.EndElement();
     }
 
-    void WriteCategory(XmlNode body, const Category& category) {
-        const XmlNode outline = document_.CreateChildElement(body, kOutline);
-        document_.SetAttribute(outline, kText, category.name());
+    void WriteCategory(const Category& category) {
+        writer_.StartElement(kOutline);
+        writer_.Attribute(kText, category.name());
         for (const auto& channel : category.channels()) {
-            WriteChannel(outline, *channel);
+            WriteChannel(*channel);
         }
+        writer_.EndElement();
     }
 
-    // SetAttribute leaves out null texts, so a channel without credentials or error has no such
-    // attribute at all.
-    void WriteChannel(XmlNode category, const Channel& channel) {
-        if (!channel.encoding().isNull()) {
-            document_.SetCodePageFromName(channel.encoding());
-        }
-        const XmlNode outline = document_.CreateChildElement(category, kOutline);
-        document_.SetAttribute(outline, kEncoding, channel.encoding());
-        document_.SetAttribute(outline, kId, Decimal(channel.id()));
-        document_.SetAttribute(outline, kText, channel.title());
-        document_.SetAttribute(outline, kXmlUrl, channel.xmlUrl());
-        document_.SetAttribute(outline, kUserName, channel.userName());
-        document_.SetAttribute(outline, kPassword, channel.password());
-        document_.SetAttribute(outline, kUpdateValue, Decimal(channel.updateValue()));
-        document_.SetAttribute(outline, kUpdateUnit, Decimal(channel.updateUnit()));
-        document_.SetAttribute(outline, kItemCount, Decimal(channel.itemCount()));
-        document_.SetAttribute(outline, kNewItemCount, Decimal(channel.newItemCount()));
-        document_.SetAttribute(outline, kMatchCount, Decimal(channel.matchCount()));
-        document_.SetAttribute(outline, kUpdateTime, WString(channel.updateTime().FormatRfc822()));
-        document_.SetAttribute(outline, kHasErrors, YesNo(channel.hasErrors()));
-        document_.SetAttribute(outline, kErrorText, channel.errorText());
+    void WriteChannel(const Channel& channel) {
+        writer_.StartElement(kOutline);
+        writer_.Attribute(kEncoding, channel.encoding());
+        writer_.Attribute(kId, channel.id());
+        writer_.Attribute(kText, channel.title());
+        writer_.Attribute(kXmlUrl, channel.xmlUrl());
+        writer_.Attribute(kUserName, channel.userName());
+        writer_.Attribute(kPassword, channel.password());
+        writer_.Attribute(kUpdateValue, channel.updateValue());
+        writer_.Attribute(kUpdateUnit, channel.updateUnit());
+        writer_.Attribute(kItemCount, channel.itemCount());
+        writer_.Attribute(kNewItemCount, channel.newItemCount());
+        writer_.Attribute(kMatchCount, channel.matchCount());
+        writer_.Attribute(kUpdateTime, std::u16string_view(channel.updateTime().FormatRfc822()));
+        writer_.Attribute(kHasErrors, YesNo(channel.hasErrors()));
+        writer_.Attribute(kErrorText, channel.errorText());
+        writer_.EndElement();
     }
 
-    XmlDocument& document_;
+    XmlWriter writer_;
 };
 
 // Walks a parsed store document into a store. Every attribute is optional: an absent one leaves
@@ -383,11 +376,14 @@ bool ReadStoreDocument(XmlDocument& document, ChannelStore& store) {
 }
 
 bool SaveStore(ChannelStore& store, std::u16string_view path, std::u16string* notice) {
-    XmlDocument document;
-    if (!StoreWriter(document).Write(store)) {
+    if (path.empty()) {
         return false;
     }
-    return MoveUnreadableAside(store, path, notice) && document.Save(path);
+    const std::string text = StoreWriter().Write(store);
+    const std::filesystem::path file = ToFsPath(path);
+    std::error_code ignored; // a folder that cannot be made fails the write below
+    std::filesystem::create_directories(file.parent_path(), ignored);
+    return MoveUnreadableAside(store, path, notice) && WriteFileAtomically(file, text);
 }
 
 bool SaveAll(ChannelStore& store, std::u16string* notice) {

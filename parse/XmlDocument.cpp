@@ -2,6 +2,7 @@
 
 #include "parse/Charset.h"
 #include "parse/FeedSniff.h"
+#include "parse/XmlText.h"
 #include "platform/AtomicFile.h"
 #include "platform/Text.h"
 
@@ -10,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <libxml/SAX2.h>
+#include <libxml/dict.h>
 #include <libxml/entities.h>
 #include <libxml/hash.h>
 #include <libxml/parser.h>
@@ -157,6 +159,24 @@ void AppendQualifiedName(std::u16string& out, const xmlNs* ns, const xmlChar* lo
         out.push_back(u':');
     }
     AppendUtf8(out, View(local));
+}
+
+// A quick test before the exact one: an ASCII name without prefix that does not equal `name`
+// ignoring case is told apart without decoding it. Anything else may still be equal.
+bool QualifiedNameMayEqual(const xmlNs* ns, const xmlChar* local, std::u16string_view name) {
+    if (ns != nullptr && ns->prefix != nullptr) {
+        return true;
+    }
+    for (const char16_t wanted : name) {
+        const char16_t c = *local++;
+        if (c >= 0x80) {
+            return true;
+        }
+        if (c == 0 || (c != wanted && FoldCase(c) != FoldCase(wanted))) {
+            return false;
+        }
+    }
+    return *local == 0;
 }
 
 bool QualifiedNameIs(const xmlNode* node, std::string_view name) {
@@ -371,18 +391,6 @@ bool ReadWholeFile(const std::filesystem::path& path, std::string& bytes) {
     return file.gcount() == size;
 }
 
-// Characters XML 1.0 cannot carry at all: a value holding one would make the saved file
-// unreadable, so they are stored as U+FFFD.
-std::u16string WithoutForbiddenCharacters(std::u16string_view text) {
-    std::u16string clean(text);
-    for (char16_t& c : clean) {
-        if ((c < 0x20 && c != '\t' && c != '\n' && c != '\r') || c == 0xFFFE || c == 0xFFFF) {
-            c = 0xFFFD;
-        }
-    }
-    return clean;
-}
-
 xmlNode* AsXml(void* node) {
     return static_cast<xmlNode*>(node);
 }
@@ -497,6 +505,9 @@ bool XmlDocument::NewDocument() {
     if (document == nullptr) {
         return false;
     }
+    // Names interned in a dictionary, as a parsed document has them: a built document repeats
+    // a few names many times.
+    document->dict = xmlDictCreate();
     document_.reset(document);
     return true;
 }
@@ -600,6 +611,9 @@ bool XmlDocument::GetAttribute(const XmlAttributes& attributes, std::u16string_v
     std::u16string candidate;
     for (const xmlAttr* attribute = element->properties; attribute != nullptr;
          attribute = attribute->next) {
+        if (!QualifiedNameMayEqual(attribute->ns, attribute->name, name)) {
+            continue;
+        }
         candidate.clear();
         AppendQualifiedName(candidate, attribute->ns, attribute->name);
         if (EqualsIgnoreCase(candidate, name)) {
@@ -620,7 +634,11 @@ bool XmlDocument::SetAttribute(XmlNode node, std::u16string_view name, const WSt
     if (!IsValidName(xmlName)) {
         return false;
     }
-    const std::string xmlValue = Utf16ToUtf8(WithoutForbiddenCharacters(value.view()));
+    // A store file sets some hundred thousand attributes; one buffer per thread saves as many
+    // allocations.
+    thread_local std::string xmlValue;
+    xmlValue.clear();
+    AppendXmlUtf8(xmlValue, value.view());
     return xmlSetProp(element, XmlChars(xmlName), XmlChars(xmlValue)) != nullptr;
 }
 

@@ -1,4 +1,4 @@
-#include "support/CliRun.h"
+#include "support/RunProgram.h"
 #include "support/TestEnv.h"
 
 #include <nlohmann/json.hpp>
@@ -43,7 +43,7 @@ TEST_F(ParseCommandTest, JsonGivesTheChannelAndEveryStory) {
     EXPECT_EQ(json["itemCount"], 2);
     EXPECT_EQ(json["newItemCount"], 1);
     EXPECT_EQ(json["items"][0], nlohmann::json::parse(R"({"title": "A", "link": "http://a/1",
-        "description": null, "date": "Tue, 23 Oct 2007 08:00:00 GMT", "read": true,
+        "description": null, "date": "Tue, 23 Oct 2007 08:00:00 GMT", "read": 1,
         "codePage": 932})"));
     EXPECT_EQ(json["items"][1]["title"], nullptr);
     EXPECT_EQ(json["items"][1]["date"], "");

@@ -53,11 +53,15 @@ TEST_F(XmlDocumentTest, TextJoinsDescendantTextCdataAndEntitiesButNoComments) {
 
 TEST_F(XmlDocumentTest, AttributeNamesMatchIgnoringCaseAndTheFirstWins) {
     ASSERT_TRUE(doc.LoadText(u"<rss><item qf_wasread=\"yes\" QF_WASREAD=\"no\" "
-                             u"href=\"a&amp;b\"/></rss>",
+                             u"href=\"a&amp;b\" Größe=\"1\" x:ID=\"2\"/></rss>",
                              true));
     const XmlNode item = Child(Top(), u"item");
     EXPECT_EQ(Attribute(item, u"QF_WASREAD"), u"yes");
     EXPECT_EQ(Attribute(item, u"HREF"), u"a&b");
+    EXPECT_EQ(Attribute(item, u"GRÖSSE"), u"<none>");
+    EXPECT_EQ(Attribute(item, u"GRÖßE"), u"1");
+    EXPECT_EQ(Attribute(item, u"X:id"), u"2");
+    EXPECT_EQ(Attribute(item, u"hre"), u"<none>");
     EXPECT_EQ(Attribute(item, u"type"), u"<none>");
     std::u16string untouched = u"kept";
     EXPECT_FALSE(doc.GetAttribute(doc.Attributes(doc.NextSibling(item)), u"x", untouched));

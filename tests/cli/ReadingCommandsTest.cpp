@@ -1,0 +1,98 @@
+#include "support/RunProgram.h"
+#include "support/TestEnv.h"
+
+#include <nlohmann/json.hpp>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace qf {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+
+// Three stories, the first one read; the third has no link, so its state cannot be kept.
+constexpr std::string_view kFeed =
+    "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+    "<rss><channel><title>T</title><image><url>http://a.example/logo.png</url></image>"
+    "<item qf_wasRead=\"yes\"><title>One</title><link>http://a.example/1</link>"
+    "<pubDate>Mon, 22 Oct 2007 22:16:44 GMT</pubDate></item>"
+    "<item><title>Two</title><link>http://a.example/2</link></item>"
+    "<item><title>Three</title></item></channel></rss>\n";
+
+// A fresh user with one channel (id 1) whose feed is cached, and one (id 2) never downloaded.
+class ReadingCommandsTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(Cli({"add", "http://a.example/rss", "A"}).out, "1\n");
+        ASSERT_EQ(Cli({"add", "http://b.example/rss", "B"}).out, "2\n");
+        fs::create_directories(Data());
+        test::WriteFileBytes(Data() / "Channel1.xml", std::string(kFeed));
+    }
+    test::ProgramResult Cli(const std::vector<std::string>& arguments) const {
+        return test::RunProgram(QF_CLI_PATH, arguments);
+    }
+    fs::path Data() const { return dir / "data/QFChannelsData"; }
+    std::string CachedFeed() const { return test::ReadFileBytes(Data() / "Channel1.xml"); }
+
+    test::TempDir dir;
+    test::EnvVar config{"XDG_CONFIG_HOME", (dir / "config").string()};
+    test::EnvVar data{"QUILLFEED_HOME", (dir / "data").string()};
+    test::EnvVar cards{"QUILLFEED_CARDS", (dir / "no-cards").string()};
+    test::EnvVar zone{"TZ", "UTC"};
+};
+
+TEST_F(ReadingCommandsTest, ShowListsHeadlinesFromTheCachedFeed) {
+    const auto text = Cli({"show", "1"});
+    EXPECT_EQ(text.exitCode, 0);
+    EXPECT_EQ(text.out, "   1   10/22/07 10:16 PM  One\n"
+                        "   2 *                    Two\n"
+                        "   3 *                    Three\n");
+
+    const auto json = nlohmann::json::parse(Cli({"show", "1", "--unread", "--json"}).out);
+    ASSERT_EQ(json["items"].size(), 2u);
+    EXPECT_EQ(json["items"][0], nlohmann::json::parse(R"({"title": "Two",
+        "link": "http://a.example/2", "description": null, "date": "", "read": 0,
+        "codePage": 0})"));
+
+    const auto notDownloaded = Cli({"show", "2"});
+    EXPECT_EQ(notDownloaded.exitCode, 1);
+    EXPECT_THAT(notDownloaded.err, HasSubstr("not been downloaded"));
+    EXPECT_EQ(Cli({"show", "7"}).exitCode, 1);
+    EXPECT_EQ(Cli({"show", "one"}).exitCode, 2);
+}
+
+TEST_F(ReadingCommandsTest, MarkWritesReadStatesIntoTheCachedFeedAndCounts) {
+    EXPECT_EQ(Cli({"mark", "1", "2", "3", "--read"}).exitCode, 0);
+    EXPECT_THAT(CachedFeed(), HasSubstr("<item qf_wasRead=\"yes\"><title>Two"));
+    EXPECT_THAT(CachedFeed(), HasSubstr("<item><title>Three"));
+    EXPECT_THAT(Cli({"list"}).out, HasSubstr("  1  A  0/3\n"));
+    EXPECT_EQ(Cli({"show", "1", "--unread"}).out, "   3 *                    Three\n");
+
+    EXPECT_EQ(Cli({"mark", "1", "--unread"}).exitCode, 0);
+    EXPECT_THAT(CachedFeed(), HasSubstr("<item qf_wasRead=\"no\"><title>One"));
+    EXPECT_THAT(CachedFeed(), HasSubstr("<item qf_wasRead=\"no\"><title>Two"));
+    EXPECT_THAT(Cli({"list"}).out, HasSubstr("  1  A  3/3\n"));
+
+    const std::string before = CachedFeed();
+    const auto outOfRange = Cli({"mark", "1", "1", "4", "--read"});
+    EXPECT_EQ(outOfRange.exitCode, 1);
+    EXPECT_THAT(outOfRange.err, HasSubstr("no story 4"));
+    EXPECT_EQ(CachedFeed(), before);
+    EXPECT_EQ(Cli({"mark", "1", "--read", "--unread"}).exitCode, 2);
+    EXPECT_EQ(Cli({"mark", "1"}).exitCode, 2);
+}
+
+TEST_F(ReadingCommandsTest, RemoveDeletesTheFilesAndTheChannel) {
+    test::WriteFileBytes(Data() / "Image1.png", "png");
+    EXPECT_EQ(Cli({"remove", "1"}).exitCode, 0);
+    EXPECT_FALSE(fs::exists(Data() / "Channel1.xml"));
+    EXPECT_FALSE(fs::exists(Data() / "Image1.png"));
+    EXPECT_EQ(Cli({"list"}).out, "Default\n  2  B  0/0\n");
+    EXPECT_EQ(Cli({"remove", "2"}).exitCode, 0);
+    EXPECT_EQ(Cli({"remove", "2"}).exitCode, 1);
+}
+
+} // namespace
+} // namespace qf

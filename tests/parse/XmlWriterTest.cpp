@@ -1,0 +1,46 @@
+#include "parse/XmlWriter.h"
+
+#include "parse/XmlDocument.h"
+#include "platform/AtomicFile.h"
+#include "support/TestEnv.h"
+
+#include <gtest/gtest.h>
+
+namespace qf {
+namespace {
+
+// The writer stands in for building a tree and saving it, so both must give the same bytes,
+// awkward values included.
+TEST(XmlWriter, WritesTheBytesASavedTreeWouldHave) {
+    const std::u16string awkward = std::u16string(u"tab\tline\nreturn\r nul") + char16_t(0) +
+                                   u" bell\a <&>\"' é € 😀 lone" + char16_t(0xD800) + u" end" +
+                                   char16_t(0xFFFF);
+    XmlDocument document;
+    ASSERT_TRUE(document.NewDocument());
+    const XmlNode root = document.CreateChildElement(document.RootNode(), u"opml");
+    document.SetAttribute(root, u"version", WString(u"1.0"));
+    const XmlNode empty = document.CreateChildElement(root, u"head");
+    document.SetAttribute(empty, u"skipped", WString());
+    const XmlNode body = document.CreateChildElement(root, u"body");
+    document.SetAttribute(document.CreateChildElement(body, u"outline"), u"text", WString(awkward));
+    document.SetAttribute(document.CreateChildElement(body, u"outline"), u"ID", WString(u"-12"));
+    const test::TempDir dir;
+    ASSERT_TRUE(document.Save(FromFsPath(dir / "tree.xml")));
+
+    XmlWriter writer;
+    writer.StartElement(u"opml");
+    writer.Attribute(u"version", u"1.0");
+    writer.StartElement(u"head");
+    writer.Attribute(u"skipped", WString());
+    writer.EndElement();
+    writer.StartElement(u"body");
+    writer.StartElement(u"outline");
+    writer.Attribute(u"text", std::u16string_view(awkward));
+    writer.EndElement();
+    writer.StartElement(u"outline");
+    writer.Attribute(u"ID", -12);
+    EXPECT_EQ(writer.Finish(), test::ReadFileBytes(dir / "tree.xml"));
+}
+
+} // namespace
+} // namespace qf
