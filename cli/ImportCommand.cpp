@@ -53,7 +53,9 @@ public:
         const OpmlSource from =
             directory_ ? OpmlSource(BuiltInDirectory{}) : OpmlSource(Utf8ToUtf16(file_));
         if (!ImportOpml(from, source)) {
-            PrintError(u"Failed to import the OPML file '" + Utf8ToUtf16(file_) + u"'.");
+            PrintError(directory_
+                           ? u"Failed to read the built-in channel directory."
+                           : u"Failed to import the OPML file '" + Utf8ToUtf16(file_) + u"'.");
             return kExitFailed;
         }
         ChannelStore& store = session.store();
