@@ -1,4 +1,3 @@
-#include "support/CliRun.h"
 #include "support/TestEnv.h"
 #include "ui/SingleInstance.h"
 
