@@ -237,7 +237,7 @@ void App::OnAutoUpdateTimer() {
     const bool wasBusy = store_.busy() != 0;
     engine_->OnAutoUpdateTimer();
     if (!wasBusy && store_.busy() != 0) {
-        RefreshStarted();
+        RefreshAllStarted();
     }
 }
 

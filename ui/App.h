@@ -157,7 +157,7 @@ private:
     // Refresh progress on the screens.
     void ShowProgress(bool shown);
     void ShowProgressLine(const RefreshProgress& progress);
-    void RefreshStarted();
+    void RefreshAllStarted();
     void HideProgressWhenIdle();
 
     // Menus.
@@ -179,8 +179,10 @@ private:
     std::unique_ptr<RefreshEngine> engine_;
     // Hand-overs posted while this lives are run; those still queued when it goes are dropped.
     std::shared_ptr<int> handOverToken_;
-    // Channels shown as being updated.
+    // Channels shown as being updated, and whether a refresh of all channels runs: the progress
+    // control shows while either is so.
     std::set<const Channel*> updating_;
+    bool refreshAllRunning_ = false;
     // Stories a refresh replaced while a screen may still show them.
     std::vector<Channel::ItemList> retiredItems_;
 };

@@ -98,7 +98,7 @@ void App::RefreshAll(int) {
         return;
     }
     if (engine_->StartRefreshAll(true)) {
-        RefreshStarted();
+        RefreshAllStarted();
     }
 }
 
@@ -180,7 +180,6 @@ void App::RefreshChannel(int) {
         store_.busy() = 0;
         store_.stopRequested() = 0;
     });
-    RefreshStarted();
 }
 
 void App::StepChannel(int command) {

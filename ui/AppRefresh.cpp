@@ -52,15 +52,19 @@ void App::RetireItems(Channel& channel, Channel::ItemList items) {
 }
 
 void App::RefreshAllFinished() {
+    refreshAllRunning_ = false;
     HideProgressWhenIdle();
 }
 
-void App::RefreshStarted() {
+void App::RefreshAllStarted() {
+    refreshAllRunning_ = true;
     ShowProgress(true);
 }
 
 void App::HideProgressWhenIdle() {
-    if (updating_.empty() && store_.busy() == 0) {
+    // Not `busy`: a failed "Refresh Channel" leaves it set until the next refresh of all
+    // channels, and the control would stay up with nothing to stop.
+    if (updating_.empty() && !refreshAllRunning_) {
         ShowProgress(false);
     }
 }

@@ -1,6 +1,7 @@
 #include "UiFixture.h"
 #include "support/TestServer.h"
 #include "ui/ChannelListModel.h"
+#include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
 #include "ui/ProgressBar.h"
 
@@ -84,6 +85,19 @@ TEST_F(RefreshTest, DownloadChannelUpdatesOnlyTheSelectedRow) {
     EXPECT_TRUE(WaitFor([this] { return !app().channelsScreen()->progressShown(); }));
     EXPECT_EQ(server_.hits("/missing"), 0);
     EXPECT_EQ(app().store().busy(), 0);
+}
+
+TEST_F(RefreshTest, FailedRefreshChannelKeepsBusyButPutsTheProgressAway) {
+    StartWithServer();
+    app().channelScreen()->ShowChannel(&Row(1));
+    app().SetScreen(kChannelScreen);
+    app().OnCommand(kCtlNone, kCmdRefreshChannel);
+    ASSERT_TRUE(WaitFor([this] { return Icon(1) == kChannelFailed; }));
+    EXPECT_FALSE(app().channelScreen()->progress()->isVisibleTo(app().channelScreen()));
+    // Only a success clears it; the next refresh of all channels does otherwise.
+    EXPECT_EQ(app().store().busy(), 1);
+    OpenMenu();
+    EXPECT_EQ(MenuEntry(kCmdRefreshChannel)->text(), QStringLiteral("Stop Refresh"));
 }
 
 TEST_F(RefreshTest, MarkAllFollowsTheCachedStoriesAndSurvivesTheSave) {
