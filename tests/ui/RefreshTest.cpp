@@ -87,6 +87,17 @@ TEST_F(RefreshTest, DownloadChannelUpdatesOnlyTheSelectedRow) {
     EXPECT_EQ(app().store().busy(), 0);
 }
 
+TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItFirst) {
+    StartWithServer();
+    app().channelsScreen()->SelectRow(&Row(0));
+    app().OnCommand(kCtlNone, kCmdShowChannel);
+    EXPECT_EQ(app().screen(), kChannelsScreen);
+    ASSERT_TRUE(WaitFor([this] { return app().screen() == kChannelScreen; }));
+    EXPECT_EQ(app().channelScreen()->channel(), &Row(0));
+    EXPECT_EQ(Row(0).items().size(), 3u);
+    EXPECT_EQ(server_.hits("/good"), 1);
+}
+
 TEST_F(RefreshTest, FailedRefreshChannelKeepsBusyButPutsTheProgressAway) {
     StartWithServer();
     app().channelScreen()->ShowChannel(&Row(1));
