@@ -67,7 +67,12 @@ bool HtmlView::HasHorizontalScrollBar() const {
 
 void HtmlView::ApplyFont() {
     QFont font = QApplication::font();
-    font.setPointSizeF(font.pointSizeF() * kTextSizeScale[static_cast<std::size_t>(textSize_)]);
+    const double scale = kTextSizeScale[static_cast<std::size_t>(textSize_)];
+    if (font.pointSizeF() > 0) {
+        font.setPointSizeF(font.pointSizeF() * scale);
+    } else {
+        font.setPixelSize(static_cast<int>(font.pixelSize() * scale));
+    }
     font.setStyleStrategy(clearType_ ? QFont::PreferAntialias : QFont::NoAntialias);
     document()->setDefaultFont(font);
     setFont(font);
