@@ -8,6 +8,8 @@
 #include "platform/DataLock.h"
 #include "platform/Text.h"
 #include "ui/App.h"
+#include "ui/ChannelListModel.h"
+#include "ui/ChannelsScreen.h"
 #include "ui/Resources.h"
 #include "ui/SingleInstance.h"
 
@@ -72,7 +74,7 @@ int RunChild(int argc, char** argv) {
     QTimer::singleShot(0, [&] {
         QCoreApplication::processEvents();
         const std::chrono::duration<double, std::milli> elapsed = Clock::now() - start;
-        std::printf("%f\n", elapsed.count());
+        std::printf("%f %d\n", elapsed.count(), app.channelsScreen()->model()->rowCount());
         std::fflush(stdout);
         QCoreApplication::quit();
     });
@@ -106,7 +108,13 @@ ChildRun StartChild() {
         int status = 0;
         rusage usage{};
         wait4(child, &status, 0, &usage);
-        run.milliseconds = got > 0 ? std::atof(text) : 0;
+        double milliseconds = 0;
+        int rows = 0;
+        // A run that did not show every channel does not count.
+        if (got > 0 && std::sscanf(text, "%lf %d", &milliseconds, &rows) == 2 &&
+            rows == kCategories * kChannelsPerCategory) {
+            run.milliseconds = milliseconds;
+        }
         run.peakMegabytes = static_cast<double>(usage.ru_maxrss) / 1024.0;
     } else {
         close(pipeFds[1]);
