@@ -13,6 +13,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
     commands.push_back(MakeMarkCommand());
     commands.push_back(MakeRemoveCommand());
     commands.push_back(MakeRefreshCommand());
+    commands.push_back(MakePageCommand());
     return commands;
 }
 

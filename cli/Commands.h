@@ -16,5 +16,6 @@ std::unique_ptr<Command> MakeShowCommand();
 std::unique_ptr<Command> MakeMarkCommand();
 std::unique_ptr<Command> MakeRemoveCommand();
 std::unique_ptr<Command> MakeRefreshCommand();
+std::unique_ptr<Command> MakePageCommand();
 
 } // namespace qf::cli

@@ -38,8 +38,13 @@ std::string LineText(const RefreshProgress& progress, int32_t position, int32_t 
 ProgressLine::ProgressLine() : shown_(::isatty(STDERR_FILENO) == 1) {}
 
 ProgressLine::~ProgressLine() {
+    Finish();
+}
+
+void ProgressLine::Finish() {
     const std::lock_guard lock(mutex_);
     ClearLocked();
+    shown_ = false;
 }
 
 void ProgressLine::SetPlace(int32_t position, int32_t count) {
@@ -49,10 +54,10 @@ void ProgressLine::SetPlace(int32_t position, int32_t count) {
 }
 
 void ProgressLine::Report(const RefreshProgress& progress) {
+    const std::lock_guard lock(mutex_);
     if (!shown_) {
         return;
     }
-    const std::lock_guard lock(mutex_);
     const auto now = std::chrono::steady_clock::now();
     if (progress.stageText == lastStage_ && now - lastDraw_ < kRedrawInterval) {
         return;
@@ -60,11 +65,9 @@ void ProgressLine::Report(const RefreshProgress& progress) {
     lastStage_ = progress.stageText;
     lastDraw_ = now;
     const bool ownPlace = progress.count > 0;
-    const std::string text = LineText(progress, ownPlace ? progress.position : position_,
-                                      ownPlace ? progress.count : count_);
-    std::fprintf(stderr, "%s%s", kClearLine, text.c_str());
-    std::fflush(stderr);
-    drawn_ = true;
+    text_ = LineText(progress, ownPlace ? progress.position : position_,
+                     ownPlace ? progress.count : count_);
+    DrawLocked();
 }
 
 void ProgressLine::PrintResult(std::string_view line) {
@@ -73,6 +76,16 @@ void ProgressLine::PrintResult(std::string_view line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
     std::fputc('\n', stdout);
     std::fflush(stdout);
+    DrawLocked();
+}
+
+void ProgressLine::DrawLocked() {
+    if (!shown_ || text_.empty()) {
+        return;
+    }
+    std::fprintf(stderr, "%s%s", kClearLine, text_.c_str());
+    std::fflush(stderr);
+    drawn_ = true;
 }
 
 void ProgressLine::ClearLocked() {

@@ -24,15 +24,19 @@ public:
     void SetPlace(int32_t position, int32_t count);
     // Redraws the line, at most a few times a second unless the stage changed.
     void Report(const RefreshProgress& progress);
-    // Prints a result line to standard output, the progress line cleared first.
+    // Prints a result line to standard output above the progress line.
     void PrintResult(std::string_view line);
+    // Clears the line for good, before the command's last messages.
+    void Finish();
 
 private:
     void ClearLocked();
+    void DrawLocked();
 
     std::mutex mutex_;
-    const bool shown_;
+    bool shown_;
     bool drawn_ = false;
+    std::string text_;
     int32_t position_ = 0;
     int32_t count_ = 0;
     std::u16string_view lastStage_;

@@ -163,12 +163,17 @@ int RefreshCommand::Run() {
     {
         RefreshEngine engine(store, observer);
         if (ids_.empty()) {
-            engine.StartRefreshAll(all_);
-            observer.RunUntilFinished();
+            succeeded = engine.StartRefreshAll(all_);
+            if (succeeded) {
+                observer.RunUntilFinished();
+            } else {
+                PrintError(u"refresh: the refresh could not be started.");
+            }
         } else {
             succeeded = RefreshChosen(store, chosen, engine, observer, line);
         }
     }
+    line.Finish();
     for (const Channel* channel : observer.results()) {
         succeeded = succeeded && channel->state() != kChannelFailed;
     }

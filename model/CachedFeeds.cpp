@@ -64,7 +64,8 @@ bool LoadCachedFeed(Channel& channel, std::u16string_view volume) {
     if (!LoadDocument(document, channel, volume)) {
         return false;
     }
-    channel.Clear();
+    // Only the stories go: the counts the store file keeps stay until the feed gives new ones.
+    channel.items().clear();
     return ParseFeed(document, channel, false);
 }
 

@@ -47,9 +47,9 @@ Channel::ItemList TakeFeedFields(Channel& live, Channel& parsed, bool takeTitle)
     live.SetLastBuildDate(parsed.lastBuildDate());
     live.image() = parsed.image();
     Channel::ItemList old = std::exchange(live.items(), std::move(parsed.items()));
-    // As if the channel had been emptied and filled: the counts start from the new list.
-    live.SetMatchCount(0);
-    live.itemCount(true);
+    // The counts as parsing into the channel sets them, so a feed without stories keeps the story
+    // count the channel showed.
+    live.SetItemCount(parsed.itemCount());
     live.SetNewItemCount(parsed.newItemCount());
     return old;
 }

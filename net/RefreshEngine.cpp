@@ -45,6 +45,14 @@ std::vector<Channel*> VisitOrder(const ChannelStore& store) {
 
 } // namespace
 
+bool IsChannelDue(const ChannelStore& store, const Channel& channel) {
+    return store.IsChannelDue(channel);
+}
+
+bool IsStoreDue(const ChannelStore& store) {
+    return store.IsAutoUpdateDue();
+}
+
 RefreshEngine::RefreshEngine(ChannelStore& store, RefreshObserver& observer, RefreshOptions options)
     : store_(store), observer_(observer), options_(options) {}
 
@@ -146,7 +154,7 @@ bool RefreshEngine::StartRefreshAll(bool refreshAll) {
     SaveAll(store_);
     std::vector<ChannelJob> jobs;
     for (Channel* channel : VisitOrder(store_)) {
-        if (refreshAll || store_.IsChannelDue(*channel)) {
+        if (refreshAll || IsChannelDue(store_, *channel)) {
             jobs.push_back(MakeChannelJob(store_, *channel, 0));
         }
     }
@@ -176,7 +184,7 @@ void RefreshEngine::FinishRefreshAll(bool anyVisited) {
     refreshAllRunning_ = false;
     store_.busy() = 0;
     store_.stopRequested() = 0;
-    if (anyVisited && store_.IsAutoUpdateDue()) {
+    if (anyVisited && IsStoreDue(store_)) {
         store_.SetUpdateDate(FeedDate::NowUtc());
     }
     observer_.RefreshAllFinished();

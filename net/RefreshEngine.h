@@ -16,6 +16,12 @@ namespace qf {
 class Channel;
 class ChannelStore;
 
+// The due rules, as the store keeps them: a channel is due when more whole seconds than its
+// interval (the store's when it has none) have passed since its last update; the store is due
+// when it never ran a refresh of all channels or last did longer ago than its interval.
+bool IsChannelDue(const ChannelStore& store, const Channel& channel);
+bool IsStoreDue(const ChannelStore& store);
+
 struct RefreshOptions {
     // Bounds the making of a connection and any stretch in which no byte moves.
     std::chrono::milliseconds timeout = FetchSettings::kDefaultTimeout;

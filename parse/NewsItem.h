@@ -4,6 +4,7 @@
 #include "platform/WString.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace qf {
 
@@ -18,9 +19,13 @@ public:
     int32_t read() const { return read_; }
     int32_t codePage() const { return codePage_; }
 
+    // Texts the readers make, which may be long, are taken rather than copied.
     void SetTitle(const WString& title) { title_ = title; }
+    void SetTitle(WString&& title) { title_ = std::move(title); }
     void SetLink(const WString& link) { link_ = link; }
+    void SetLink(WString&& link) { link_ = std::move(link); }
     void SetDescription(const WString& description) { description_ = description; }
+    void SetDescription(WString&& description) { description_ = std::move(description); }
     void SetDate(const FeedDate& date) { date_ = date; }
     void SetRead(int32_t read) { read_ = read; }
     void SetCodePage(int32_t codePage) { codePage_ = codePage; }

@@ -184,7 +184,7 @@ IniFile::Line IniFile::ReadLine(std::string_view text, std::size_t& i, std::stri
             line.isHeader = true;
         }
         next = SkipLineBreak(text, end);
-        line.terminator = next == end ? "\n" : "";
+        line.terminator.assign(next == end ? 1 : 0, '\n');
     } else {
         KeyLineExtent extent = ScanKeyLine(text, first);
         if (extent.equals != std::string_view::npos) {
@@ -256,10 +256,11 @@ void IniFile::AppendToSection(Line keyLine) {
     }
     auto at = last == lines_.end() ? lines_.begin() : std::next(last);
     if (newSection) {
-        std::string header = "[" + std::string(section) + "]\n";
+        std::string header;
         if (!lines_.empty()) {
-            header.insert(0, "\n");
+            header += '\n';
         }
+        header.append(1, '[').append(section).append("]\n");
         Line headerLine;
         headerLine.text = std::move(header);
         headerLine.section = section;

@@ -5,7 +5,7 @@
 set -euo pipefail
 shopt -s nullglob
 source "$(dirname "$0")/common.sh"
-qf_ensure_packages "${QF_PACKAGES[@]}" newsboat time python3-feedparser
+qf_ensure_packages "${QF_PACKAGES[@]}" python3-feedparser newsboat time
 dir="$QF_ROOT/build-bench"
 qf_build "$dir" -DCMAKE_BUILD_TYPE=Release -DQF_BUILD_BENCH=ON -DQF_BUILD_TESTS=OFF
 benches=("$@")

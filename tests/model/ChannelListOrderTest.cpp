@@ -44,11 +44,5 @@ TEST_F(ChannelListOrderTest, RowsTakeTheirPositionWithinTheirCategory) {
     EXPECT_EQ(Ids(-1, true), (std::vector<int32_t>{2, 5, 3}));
 }
 
-TEST_F(ChannelListOrderTest, StoreFiltersAreTheShownCategoryAndTheUnreadOnlySwitch) {
-    store.SetCategoryId(0);
-    store.SetNewChannels(1);
-    EXPECT_EQ(ChannelListOrder(store), ChannelListOrder(store, 0, true));
-}
-
 } // namespace
 } // namespace qf

@@ -59,16 +59,6 @@ TEST_F(CarryReadStatesTest, StateSurvivesExactlyWhenLinkAndShownDateMatch) {
     EXPECT_EQ(channel.newItemCount(), 3);
 }
 
-TEST_F(CarryReadStatesTest, NothingCarriedAnswersFalseAndKeepsTheCounts) {
-    Channel::ItemList old;
-    old.push_back(Story(u"http://a/gone", u"", true));
-    Channel channel;
-    channel.AddItem(Story(u"http://a/new", u"", false));
-    channel.SetNewItemCount(9);
-    EXPECT_FALSE(CarryReadStates(old, channel));
-    EXPECT_EQ(channel.newItemCount(), 9);
-}
-
 TEST(WriteReadStates, StampsEachElementFromTheFirstStoryWithItsKey) {
     ParsedFeed feed(u"<rss><channel><item qf_wasRead=\"maybe\"><link>http://a/1</link></item>"
                     u"<item><link>http://a/2</link></item><item><link>HTTP://A/1</link></item>"
@@ -87,17 +77,6 @@ TEST(WriteReadStates, StampsEachElementFromTheFirstStoryWithItsKey) {
     EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"<none>");
     // Every element of the name counts, wherever it stands.
     EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"no");
-}
-
-TEST(WriteReadStates, AtomEntriesAreKeyedByTheirPageLink) {
-    ParsedFeed feed(u"<feed><entry><link type=\"text/html\" href=\"http://a/1\"/></entry>"
-                    u"<entry><link href=\"http://a/1\"/></entry></feed>");
-    ASSERT_TRUE(feed.parsed);
-    feed.channel.items()[0]->SetRead(1);
-    EXPECT_TRUE(WriteReadStates(feed.document, feed.channel));
-    XmlNodeList entries = feed.document.ElementsByTagName(u"entry");
-    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(entries)), u"yes");
-    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(entries)), u"<none>");
 
     feed.channel.SetFeedType(kFeedUnknown);
     EXPECT_FALSE(WriteReadStates(feed.document, feed.channel));

@@ -1,0 +1,59 @@
+#include "support/RunProgram.h"
+#include "support/TestEnv.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace qf {
+namespace {
+
+using ::testing::HasSubstr;
+
+constexpr std::string_view kFeed =
+    "<?xml version=\"1.0\" encoding=\"windows-1251\"?>\n"
+    "<rss><channel><title>News</title>"
+    "<item><title>One</title><description>Hello &lt;b&gt;world&lt;/b&gt;</description>"
+    "<pubDate>Mon, 22 Oct 2007 22:16:44 GMT</pubDate></item>"
+    "<item><title>Two</title></item></channel></rss>\n";
+
+class PageCommandTest : public ::testing::Test {
+protected:
+    void SetUp() override { test::WriteFileBytes(feed, std::string(kFeed)); }
+    test::ProgramResult Cli(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), {"page", feed.string()});
+        return test::RunProgram(QF_CLI_PATH, arguments);
+    }
+
+    test::TempDir dir;
+    std::filesystem::path feed = dir / "feed.xml";
+    test::EnvVar config{"XDG_CONFIG_HOME", (dir / "config").string()};
+    test::EnvVar data{"QUILLFEED_HOME", (dir / "data").string()};
+    test::EnvVar cards{"QUILLFEED_CARDS", (dir / "no-cards").string()};
+    test::EnvVar zone{"TZ", "UTC"};
+};
+
+TEST_F(PageCommandTest, StoryPageCarriesTheBodyAsGivenAndEndsWithOneNewline) {
+    const auto page = Cli({"--story", "0"});
+    EXPECT_EQ(page.exitCode, 0);
+    EXPECT_THAT(page.out, HasSubstr("charset=windows-1251"));
+    EXPECT_THAT(page.out, HasSubstr("<td>Hello <b>world</b></td>"));
+    EXPECT_THAT(page.out, HasSubstr("Published: 10/22/07 10:16 PM"));
+    EXPECT_EQ(page.out.substr(page.out.size() - 8), "</html>\n");
+}
+
+TEST_F(PageCommandTest, StoryWithoutTextOrOutsideTheFeedFails) {
+    EXPECT_EQ(Cli({"--story", "1"}).exitCode, 1);
+    EXPECT_EQ(Cli({"--story", "2"}).exitCode, 1);
+}
+
+TEST_F(PageCommandTest, BannerPageTakesItsSizeAndRefusesAMalformedOne) {
+    const auto page = Cli({"--banner", "240x40"});
+    EXPECT_EQ(page.exitCode, 0);
+    EXPECT_THAT(page.out, HasSubstr("<td height=\"36\"><b><font color=\"#6898C8\">News</font>"));
+    EXPECT_EQ(Cli({"--banner", "240"}).exitCode, 2);
+    EXPECT_EQ(Cli({"--smartphone", "--story", "0"}).exitCode, 2);
+    EXPECT_EQ(Cli({}).exitCode, 2);
+}
+
+} // namespace
+} // namespace qf
