@@ -10,6 +10,8 @@ QF_PACKAGES=(
   libcli11-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   python3 openssl tzdata
+  qt6-base-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins
+  desktop-file-utils appstream
 )
 
 # Installs the given Debian packages that are not installed yet (with sudo when not root).

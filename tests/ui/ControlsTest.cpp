@@ -1,0 +1,138 @@
+#include "model/ChannelStore.h"
+#include "ui/HtmlView.h"
+#include "ui/PrivateMessages.h"
+#include "ui/ProgressBar.h"
+
+#include <QCoreApplication>
+#include <QProgressBar>
+#include <QScrollBar>
+#include <QTest>
+#include <QTextDocument>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+namespace qf::ui {
+namespace {
+
+// Keeps the private messages that a control posts to its frame.
+class FrameRecorder : public QObject {
+public:
+    bool event(QEvent* event) override {
+        if (event->type() >= QEvent::User) {
+            const auto& message = static_cast<PrivateMessageEvent&>(*event);
+            received.push_back({message.message(), message.sourceControl});
+            return true;
+        }
+        return QObject::event(event);
+    }
+    std::vector<std::pair<int, int>> received;
+};
+
+TEST(ProgressBar, SplitFollowsThePositionOverTheRangeAndTheMiddleWhenEmpty) {
+    EXPECT_EQ(SplitColumn(0, 100, 0, 10, 5), 50);
+    EXPECT_EQ(SplitColumn(10, 100, 0, 10, 10), 110);
+    EXPECT_EQ(SplitColumn(0, 101, 0, 10, 5), 51);
+    EXPECT_EQ(SplitColumn(0, 100, 3, 3, 3), 50);
+    // The position counts from zero whatever the low end of the range.
+    EXPECT_EQ(SplitColumn(0, 100, 5, 15, 5), 50);
+}
+
+TEST(ProgressBar, TextTakesTheInverseOfTheColourUnderEachHalf) {
+    ChannelStore store;
+    QWidget parent;
+    ProgressBar progress(store, &parent);
+    QPalette palette = progress.bar()->palette();
+    palette.setColor(QPalette::Highlight, QColor(0, 0, 160));
+    palette.setColor(QPalette::Base, QColor(255, 255, 255));
+    palette.setColor(QPalette::Window, QColor(255, 255, 255));
+    progress.bar()->setPalette(palette);
+    progress.setGeometry(0, 0, 300, progress.PreferredHeight());
+    progress.SetRange(0, 2);
+    progress.SetPosition(1);
+    progress.SetText(QStringLiteral("WWWWWWWWWWWWWWWWWWWWWWWW"));
+    const QImage image = progress.bar()->grab().toImage();
+    const int half = image.width() / 2;
+    auto found = [&image](int from, int to, QRgb colour) {
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = from; x < to; ++x) {
+                if ((image.pixel(x, y) & 0xFFFFFF) == (colour & 0xFFFFFF)) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    };
+    const QRgb filled = image.pixel(2, 2);
+    const QRgb empty = image.pixel(image.width() - 3, 2);
+    ASSERT_NE(filled, empty);
+    EXPECT_TRUE(
+        found(0, half, qRgb(255 - qRed(filled), 255 - qGreen(filled), 255 - qBlue(filled))));
+    EXPECT_TRUE(found(half, image.width(),
+                      qRgb(255 - qRed(empty), 255 - qGreen(empty), 255 - qBlue(empty))));
+}
+
+TEST(ProgressBar, StopButtonAsksTheRefreshToStopAndAbort) {
+    ChannelStore store;
+    ProgressBar progress(store, nullptr);
+    progress.stopButton()->click();
+    EXPECT_EQ(store.stopRequested(), 1);
+    EXPECT_EQ(store.abortRequested(), 1);
+}
+
+TEST(HtmlView, LeftAndRightStepOnlyWhileThePageNeedsNoSidewaysScrolling) {
+    FrameRecorder frame;
+    HtmlView view(&frame, 141, nullptr);
+    view.resize(200, 200);
+    view.SetPage(u"<p>short</p>", true);
+    QTest::keyClick(&view, Qt::Key_Left);
+    QTest::keyClick(&view, Qt::Key_Right);
+    QCoreApplication::processEvents();
+    const std::vector<std::pair<int, int>> expected = {{QFM_NAVPREVIOUS, 141}, {QFM_NAVNEXT, 141}};
+    EXPECT_EQ(frame.received, expected);
+
+    view.SetFitToScreen(false);
+    view.SetPage(u"<p>" + std::u16string(400, u'w') + u"</p>", true);
+    view.show();
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(view.HasHorizontalScrollBar());
+    QTest::keyClick(&view, Qt::Key_Right);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frame.received.size(), 2u);
+}
+
+TEST(HtmlView, PicturesComeOnlyFromLocalFilesAndTheScreen) {
+    FrameRecorder frame;
+    HtmlView view(&frame, 0, nullptr);
+    const QUrl remote(QStringLiteral("http://127.0.0.1:9/picture.png"));
+    EXPECT_FALSE(view.loadResource(QTextDocument::ImageResource, remote).isValid());
+    QImage supplied(4, 4, QImage::Format_RGB32);
+    view.SetImageSupplier([&supplied](const QUrl&) { return supplied; });
+    EXPECT_TRUE(view.loadResource(QTextDocument::ImageResource, QUrl(QStringLiteral("qf_logo.bmp")))
+                    .isValid());
+    EXPECT_FALSE(view.loadResource(QTextDocument::ImageResource, remote).isValid());
+    EXPECT_FALSE(view.loadResource(QTextDocument::StyleSheetResource,
+                                   QUrl(QStringLiteral("file:///etc/hostname")))
+                     .isValid());
+}
+
+TEST(HtmlView, EveryPageStartsAtItsTop) {
+    FrameRecorder frame;
+    HtmlView view(&frame, 0, nullptr);
+    view.resize(200, 100);
+    view.show();
+    std::u16string tall;
+    for (int i = 0; i < 100; ++i) {
+        tall += u"<p>line</p>";
+    }
+    view.SetPage(tall, true);
+    view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
+    ASSERT_GT(view.verticalScrollBar()->value(), 0);
+    view.SetPage(tall, true);
+    EXPECT_EQ(view.verticalScrollBar()->value(), 0);
+    view.SetPage(std::nullopt, true);
+    EXPECT_TRUE(view.toPlainText().isEmpty());
+}
+
+} // namespace
+} // namespace qf::ui

@@ -1,0 +1,128 @@
+#include "UiFixture.h"
+#include "support/TestServer.h"
+#include "ui/ChannelListModel.h"
+#include "ui/ChannelScreen.h"
+#include "ui/ChannelsScreen.h"
+#include "ui/ProgressBar.h"
+
+#include <QMenu>
+#include <QToolButton>
+
+namespace qf::ui::test {
+namespace {
+
+std::string Feed(const std::string& title, int items) {
+    std::string feed = "<rss version=\"2.0\"><channel><title>" + title + "</title>";
+    for (int i = 0; i < items; ++i) {
+        const std::string n = std::to_string(i);
+        feed += "<item><title>Story " + n + "</title><link>http://127.0.0.1/" + title + "/" + n +
+                "</link><description>Body</description></item>";
+    }
+    return feed + "</channel></rss>";
+}
+
+class RefreshTest : public UiFixture {
+protected:
+    // Channels "Good" (3 stories), "Missing" (404) and "Endless" (a body that never ends), in
+    // that order on the channels screen.
+    void StartWithServer() {
+        server_.addRoute({"/good", 200, Feed("Good", 3)});
+        server_.addRoute({"/missing", 404, "gone"});
+        server_.addRoute({"/endless", 200, "<rss>", {}, qf::test::Route::Body::Endless});
+        const std::u16string good = server_.url("/good");
+        const std::u16string missing = server_.url("/missing");
+        const std::u16string endless = server_.url("/endless");
+        WriteStore([&](ChannelStore& store) {
+            Category& category = store.DefaultCategory();
+            AddTestChannel(category, u"Good", 0, 0, good);
+            AddTestChannel(category, u"Missing", 0, 0, missing);
+            AddTestChannel(category, u"Endless", 0, 0, endless);
+        });
+        StartApp();
+    }
+    Channel& Row(int row) { return *app().channelsScreen()->model()->ChannelAt(row); }
+    int Icon(int row) {
+        const ChannelListModel& model = *app().channelsScreen()->model();
+        return model.data(model.index(row), ChannelListModel::kIconRole).toInt();
+    }
+    void RunFromMenu() {
+        OpenMenu();
+        ASSERT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Refresh All Channels"));
+        MenuEntry(kCmdRefreshAll)->trigger();
+    }
+
+    qf::test::TestServer server_;
+};
+
+TEST_F(RefreshTest, RefreshAllFromTheMenuUpdatesRowsUntilTheStopButtonEndsIt) {
+    StartWithServer();
+    RunFromMenu();
+    ASSERT_TRUE(app().channelsScreen()->progressShown());
+    ASSERT_TRUE(WaitFor([this] { return Icon(2) == kChannelUpdating; }));
+    EXPECT_EQ(Icon(0), kChannelIdle);
+    EXPECT_EQ(Row(0).itemCount(), 3);
+    EXPECT_EQ(Row(0).newItemCount(), 3);
+    EXPECT_EQ(Icon(1), kChannelFailed);
+    EXPECT_TRUE(
+        Row(1).errorText().view().starts_with(u"Failed to download the channel; Error code: 404@"));
+    OpenMenu();
+    EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Stop Refresh"));
+
+    app().channelsScreen()->progress()->stopButton()->click();
+    EXPECT_EQ(app().store().abortRequested(), 1);
+    ASSERT_TRUE(WaitFor([this] { return app().store().busy() == 0; }));
+    ASSERT_TRUE(WaitFor([this] { return Icon(2) != kChannelUpdating; }));
+    EXPECT_TRUE(WaitFor([this] { return !app().channelsScreen()->progressShown(); }));
+    OpenMenu();
+    EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Refresh All Channels"));
+}
+
+TEST_F(RefreshTest, DownloadChannelUpdatesOnlyTheSelectedRow) {
+    StartWithServer();
+    app().channelsScreen()->SelectRow(&Row(0));
+    app().OnCommand(kCtlNone, kCmdDownloadChannel);
+    ASSERT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3 && Icon(0) == kChannelIdle; }));
+    EXPECT_TRUE(WaitFor([this] { return !app().channelsScreen()->progressShown(); }));
+    EXPECT_EQ(server_.hits("/missing"), 0);
+    EXPECT_EQ(app().store().busy(), 0);
+}
+
+TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItFirst) {
+    StartWithServer();
+    app().channelsScreen()->SelectRow(&Row(0));
+    app().OnCommand(kCtlNone, kCmdShowChannel);
+    EXPECT_EQ(app().screen(), kChannelsScreen);
+    ASSERT_TRUE(WaitFor([this] { return app().screen() == kChannelScreen; }));
+    EXPECT_EQ(app().channelScreen()->channel(), &Row(0));
+    EXPECT_EQ(Row(0).items().size(), 3u);
+    EXPECT_EQ(server_.hits("/good"), 1);
+}
+
+TEST_F(RefreshTest, FailedRefreshChannelKeepsBusyButPutsTheProgressAway) {
+    StartWithServer();
+    app().channelScreen()->ShowChannel(&Row(1));
+    app().SetScreen(kChannelScreen);
+    app().OnCommand(kCtlNone, kCmdRefreshChannel);
+    ASSERT_TRUE(WaitFor([this] { return Icon(1) == kChannelFailed; }));
+    EXPECT_FALSE(app().channelScreen()->progress()->isVisibleTo(app().channelScreen()));
+    // Only a success clears it; the next refresh of all channels does otherwise.
+    EXPECT_EQ(app().store().busy(), 1);
+    OpenMenu();
+    EXPECT_EQ(MenuEntry(kCmdRefreshChannel)->text(), QStringLiteral("Stop Refresh"));
+}
+
+TEST_F(RefreshTest, MarkAllFollowsTheCachedStoriesAndSurvivesTheSave) {
+    StartWithServer();
+    app().channelsScreen()->SelectRow(&Row(0));
+    app().OnCommand(kCtlNone, kCmdDownloadChannel);
+    ASSERT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3 && Icon(0) == kChannelIdle; }));
+    app().OnCommand(kCtlNone, kCmdMarkAllRead);
+    EXPECT_EQ(Row(0).newItemCount(), 0);
+    QuitApp();
+    const std::string cached =
+        qf::test::ReadFileBytes(DataFolder() / ("Channel" + std::to_string(Row(0).id()) + ".xml"));
+    EXPECT_NE(cached.find("qf_wasRead=\"yes\""), std::string::npos);
+}
+
+} // namespace
+} // namespace qf::ui::test

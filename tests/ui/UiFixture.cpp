@@ -1,0 +1,101 @@
+#include "UiFixture.h"
+
+#include "model/ChannelStoreFile.h"
+#include "model/FileUtil.h"
+#include "platform/AtomicFile.h"
+#include "ui/MainWindow.h"
+#include "ui/SoftKeyBar.h"
+
+#include <QCoreApplication>
+#include <QMenu>
+#include <QTest>
+
+namespace qf::ui::test {
+
+UiFixture::UiFixture() {
+    std::filesystem::create_directories(dir_ / "cards");
+    config_.emplace("XDG_CONFIG_HOME", (dir_ / "config").string());
+    home_.emplace("QUILLFEED_HOME", (dir_ / "home").string());
+    cards_.emplace("QUILLFEED_CARDS", (dir_ / "cards").string());
+    platform_.emplace("QUILLFEED_PLATFORM", std::nullopt);
+}
+
+UiFixture::~UiFixture() {
+    app_.reset();
+    QCoreApplication::processEvents();
+}
+
+std::filesystem::path UiFixture::DataFolder() const {
+    return dir_ / "home" / "QFChannelsData";
+}
+
+void UiFixture::WriteStore(const std::function<void(ChannelStore&)>& fill) {
+    ChannelStore store;
+    fill(store);
+    std::filesystem::create_directories(DataFolder());
+    ASSERT_TRUE(SaveStore(store, FromFsPath(DataFolder() / "QFChannels.opml")));
+}
+
+std::string UiFixture::StoreFileText() const {
+    return qf::test::ReadFileBytes(DataFolder() / "QFChannels.opml");
+}
+
+App& UiFixture::StartApp(DeviceFamily family) {
+    UserDialogs dialogs;
+    dialogs.ask = [this](const QString& question) {
+        asked_ << question;
+        return answer_;
+    };
+    dialogs.tell = [this](const QString& message) { told_ << message; };
+    dialogs.askText = [this](const QString&, const QString&) { return typed_; };
+    dialogs.about = [this] { told_ << QStringLiteral("About"); };
+    dialogs.open = [this](const QUrl& address) {
+        opened_ << address;
+        return true;
+    };
+    app_ = std::make_unique<App>(family, std::move(dialogs));
+    EXPECT_TRUE(app_->Start());
+    QCoreApplication::processEvents();
+    return *app_;
+}
+
+void UiFixture::QuitApp() {
+    app_->OnCommand(kCtlNone, kCmdQuit);
+    app_->Finish();
+}
+
+QMenu* UiFixture::OpenMenu(const QString& submenu) {
+    QMenu* menu = app_->mainWindow()->softKeys()->menu();
+    emit menu->aboutToShow();
+    if (submenu.isEmpty()) {
+        return menu;
+    }
+    for (QAction* action : menu->actions()) {
+        if (action->menu() != nullptr && action->text() == submenu) {
+            emit action->menu()->aboutToShow();
+            return action->menu();
+        }
+    }
+    ADD_FAILURE() << "no submenu " << submenu.toStdString();
+    return menu;
+}
+
+QAction* UiFixture::MenuEntry(int command) {
+    return FindCommand(app_->mainWindow()->softKeys()->menu(), command);
+}
+
+bool UiFixture::WaitFor(const std::function<bool()>& done) {
+    return QTest::qWaitFor(done, 10000);
+}
+
+Channel& AddTestChannel(Category& category, const std::u16string& title, int32_t unread,
+                        int32_t total, const std::u16string& url) {
+    auto channel = std::make_unique<Channel>();
+    channel->SetTitle(WString(title));
+    channel->SetXmlUrl(WString(url));
+    channel->SetItemCount(total);
+    channel->SetNewItemCount(unread);
+    return *category.AddChannel(std::move(channel));
+}
+
+} // namespace qf::ui::test

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "model/ChannelStore.h"
+#include "support/TestEnv.h"
+#include "ui/App.h"
+
+#include <QStringList>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+class QAction;
+class QMenu;
+
+namespace qf::ui::test {
+
+// A user's folders in a temporary place, a store file written there when a test wants one, and
+// the frame started over them with dialogs that answer instead of a person.
+class UiFixture : public ::testing::Test {
+protected:
+    UiFixture();
+    ~UiFixture() override;
+
+    // Writes the store file that the frame will load, after `fill` has filled the store.
+    void WriteStore(const std::function<void(ChannelStore&)>& fill);
+    // The store file as the frame left it; empty when there is none.
+    std::string StoreFileText() const;
+    std::filesystem::path DataFolder() const;
+
+    App& StartApp(DeviceFamily family = {});
+    App& app() { return *app_; }
+    // Closes the main window and runs the end of the run, as quitting does.
+    void QuitApp();
+
+    // Opens the soft key's menu as the user would (its state and checks are brought up to date),
+    // and the submenu with `caption` in it when one is named.
+    QMenu* OpenMenu(const QString& submenu = {});
+    QAction* MenuEntry(int command);
+    // Runs queued events until `done` holds or a few seconds pass.
+    static bool WaitFor(const std::function<bool()>& done);
+
+    qf::test::TempDir dir_;
+    std::optional<qf::test::EnvVar> config_;
+    std::optional<qf::test::EnvVar> home_;
+    std::optional<qf::test::EnvVar> cards_;
+    std::optional<qf::test::EnvVar> platform_;
+    // What the dialogs were shown, and how the next question is answered.
+    QStringList told_;
+    QStringList asked_;
+    bool answer_ = true;
+    std::optional<QString> typed_;
+    QList<QUrl> opened_;
+
+private:
+    std::unique_ptr<App> app_;
+};
+
+// A channel with an address, a title and counts.
+Channel& AddTestChannel(Category& category, const std::u16string& title, int32_t unread,
+                        int32_t total, const std::u16string& url = u"http://127.0.0.1:9/feed");
+
+} // namespace qf::ui::test

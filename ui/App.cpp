@@ -1,0 +1,244 @@
+#include "ui/App.h"
+
+#include "model/ChannelStoreFile.h"
+#include "model/FileUtil.h"
+#include "model/ViewerSettings.h"
+#include "net/RefreshEngine.h"
+#include "ui/AboutBox.h"
+#include "ui/ChannelScreen.h"
+#include "ui/ChannelsScreen.h"
+#include "ui/HtmlView.h"
+#include "ui/MainWindow.h"
+#include "ui/MenuTables.h"
+#include "ui/SoftKeyBar.h"
+#include "ui/StoryScreen.h"
+#include "ui/WaitCursor.h"
+#include "ui/WelcomeScreen.h"
+
+#include <QDesktopServices>
+#include <QInputDialog>
+#include <QMenu>
+#include <QMessageBox>
+#include <QTimer>
+
+namespace qf::ui {
+
+namespace {
+
+constexpr int kAutoUpdatePeriodMs = 30000;
+
+UserDialogs WithDefaults(UserDialogs dialogs) {
+    if (!dialogs.ask) {
+        dialogs.ask = [](const QString& question) {
+            return QMessageBox::question(nullptr, QStringLiteral("Quillfeed"), question,
+                                         QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+        };
+    }
+    if (!dialogs.tell) {
+        dialogs.tell = [](const QString& message) {
+            QMessageBox::warning(nullptr, QStringLiteral("Quillfeed"), message);
+        };
+    }
+    if (!dialogs.askText) {
+        dialogs.askText = [](const QString& prompt, const QString& proposal) {
+            bool accepted = false;
+            const QString text = QInputDialog::getText(nullptr, QStringLiteral("Quillfeed"), prompt,
+                                                       QLineEdit::Normal, proposal, &accepted);
+            return accepted ? std::optional<QString>(text) : std::nullopt;
+        };
+    }
+    if (!dialogs.about) {
+        dialogs.about = [] { ShowAboutBox(nullptr); };
+    }
+    if (!dialogs.open) {
+        dialogs.open = [](const QUrl& address) { return QDesktopServices::openUrl(address); };
+    }
+    return dialogs;
+}
+
+QString ToQString(std::u16string_view text) {
+    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace
+
+App::App(DeviceFamily family, UserDialogs dialogs)
+    : family_(family), dialogs_(WithDefaults(std::move(dialogs))),
+      handOverToken_(std::make_shared<int>(0)) {}
+
+App::~App() {
+    // Work the workers still hand over must not reach screens that are going away.
+    handOverToken_.reset();
+    engine_.reset();
+    mainWindow_.reset();
+}
+
+bool App::Start() {
+    if (!LoadSettings(store_.settings())) {
+        SaveSettings(store_.settings());
+    }
+    engine_ = std::make_unique<RefreshEngine>(store_, *this);
+    mainWindow_ = std::make_unique<MainWindow>(*this);
+    CreateScreens();
+    BuildContextMenu();
+    const std::u16string& path = KeptStorePath(store_);
+    if (!path.empty() && FileExists(path)) {
+        LoadStoreAtStart();
+    } else {
+        // A first store counts its ids from 1, as an empty store file would.
+        store_.RecomputeNextId();
+        welcomeScreen_->ShowPage();
+        SetScreen(kWelcomeScreen);
+    }
+    mainWindow_->show();
+    // Without a window manager (a kiosk handheld) nobody else gives the window the keyboard.
+    mainWindow_->activateWindow();
+    return true;
+}
+
+void App::CreateScreens() {
+    QObject* frame = mainWindow_.get();
+    welcomeScreen_ = new WelcomeScreen(frame, family_, mainWindow_.get());
+    channelsScreen_ = new ChannelsScreen(frame, store_, family_, mainWindow_.get());
+    channelScreen_ = new ChannelScreen(frame, store_, family_, mainWindow_.get());
+    storyScreen_ = new StoryScreen(frame, store_, mainWindow_.get());
+    for (QWidget* screen :
+         {static_cast<QWidget*>(welcomeScreen_), static_cast<QWidget*>(channelsScreen_),
+          static_cast<QWidget*>(channelScreen_), static_cast<QWidget*>(storyScreen_)}) {
+        mainWindow_->AddScreen(screen);
+    }
+    const ViewerSettings& settings = store_.settings();
+    for (HtmlView* view : {welcomeScreen_->view(), storyScreen_->view()}) {
+        view->SetTextSize(settings.shownTextSize());
+        view->SetFitToScreen(settings.fitToScreen() != 0);
+        view->SetClearType(settings.clearType() != 0);
+    }
+    for (HtmlView* view : {storyScreen_->view(), channelScreen_->banner()}) {
+        view->SetLinkHandler([this](const QString& target) { OpenLink(target); });
+    }
+}
+
+void App::BuildContextMenu() {
+    contextMenu_ = new QMenu(mainWindow_.get());
+    contextMenu_->setObjectName(QStringLiteral("ChannelContextMenu"));
+    AddMenuEntries(contextMenu_, ChannelContextMenu(), [](QMenu*) {});
+    connect(contextMenu_, &QMenu::aboutToShow, this, [this] { OnMenuPopup(contextMenu_, false); });
+    connect(contextMenu_, &QMenu::triggered, this, [this](QAction* action) {
+        if (const int command = CommandOf(action); command != 0) {
+            OnCommand(kCtlNone, command);
+        }
+    });
+}
+
+void App::LoadStoreAtStart() {
+    WaitCursor wait;
+    const std::u16string path = KeptStorePath(store_);
+    if (!LoadStore(store_, path)) {
+        wait.Restore();
+        dialogs_.tell(ToQString(OpenStoreFailedText(path)));
+    }
+    RefillChannels();
+    SetScreen(kChannelsScreen);
+    wait.Restore();
+    // A Smartphone never updates by itself.
+    if (!family_.smartphone) {
+        autoUpdateTimer_ = new QTimer(this);
+        autoUpdateTimer_->setObjectName(QString::number(100));
+        connect(autoUpdateTimer_, &QTimer::timeout, this, &App::OnAutoUpdateTimer);
+        autoUpdateTimer_->start(kAutoUpdatePeriodMs);
+    }
+}
+
+void App::RefillChannels() {
+    channelsScreen_->FillList(store_.categoryId(), store_.newChannels() != 0);
+}
+
+void App::Finish() {
+    SaveSettings(store_.settings());
+}
+
+QWidget* App::ScreenWidget(Screen screen) const {
+    switch (screen) {
+    case kWelcomeScreen:
+        return welcomeScreen_;
+    case kChannelsScreen:
+        return channelsScreen_;
+    case kChannelScreen:
+        return channelScreen_;
+    case kStoryScreen:
+        return storyScreen_;
+    default:
+        return nullptr;
+    }
+}
+
+std::u16string_view App::volume() const {
+    return store_.settings().storageVolume().view();
+}
+
+void App::SetScreen(Screen screen) {
+    if (screen == screen_ || ScreenWidget(screen) == nullptr) {
+        return;
+    }
+    mainWindow_->softKeys()->Load(MenuBarFor(screen));
+    mainWindow_->ShowScreen(ScreenWidget(screen));
+    screen_ = screen;
+}
+
+void App::OnBack() {
+    switch (screen_) {
+    case kWelcomeScreen:
+    case kChannelsScreen:
+        mainWindow_->showMinimized();
+        break;
+    case kChannelScreen:
+        SetScreen(kChannelsScreen);
+        break;
+    case kStoryScreen:
+        SetScreen(kChannelScreen);
+        break;
+    default:
+        break;
+    }
+}
+
+void App::OnActivate() {
+    if (hiddenForBrowser_) {
+        mainWindow_->showNormal();
+        hiddenForBrowser_ = false;
+    }
+}
+
+void App::HideForBrowser() {
+    hiddenForBrowser_ = true;
+    mainWindow_->showMinimized();
+}
+
+void App::OnDestroy() {
+    contextMenu_->close();
+    if (store_.loaded() == 0) {
+        return;
+    }
+    WaitCursor wait;
+    std::u16string notice;
+    const bool saved = SaveAll(store_, &notice);
+    SetScreen(kChannelsScreen);
+    wait.Restore();
+    if (!notice.empty()) {
+        dialogs_.tell(ToQString(notice));
+    }
+    if (!saved) {
+        dialogs_.tell(QStringLiteral("Failed to save Channels file '%1'.")
+                          .arg(ToQString(store_.channelStorePath())));
+    }
+}
+
+void App::OnAutoUpdateTimer() {
+    const bool wasBusy = store_.busy() != 0;
+    engine_->OnAutoUpdateTimer();
+    if (!wasBusy && store_.busy() != 0) {
+        RefreshAllStarted();
+    }
+}
+
+} // namespace qf::ui

@@ -1,0 +1,145 @@
+#include "model/CachedFeeds.h"
+#include "model/CachedFileNames.h"
+#include "model/DataFolder.h"
+#include "model/FileUtil.h"
+#include "net/BrowserLink.h"
+#include "net/RefreshEngine.h"
+#include "ui/App.h"
+#include "ui/ChannelScreen.h"
+#include "ui/ChannelsScreen.h"
+#include "ui/MainWindow.h"
+#include "ui/PrivateMessages.h"
+#include "ui/StoryScreen.h"
+#include "ui/WaitCursor.h"
+
+#include <QMenu>
+#include <algorithm>
+
+namespace qf::ui {
+
+void App::OnPrivateMessage(PrivateMessageEvent& event) {
+    const bool fromChannelList = event.sourceControl == kCtlChannelList;
+    switch (event.message()) {
+    case QFM_OPENCHANNEL:
+        OpenChannel(channelsScreen_->SelectedChannel());
+        break;
+    case QFM_OPENSTORY:
+        ShowStory(event.channel, event.item);
+        break;
+    case QFM_LEAVEWELCOME:
+        LeaveWelcome(kCmdContinue);
+        break;
+    case QFM_ITEMACTIVATE:
+        if (fromChannelList) {
+            OpenChannel(channelsScreen_->SelectedChannel());
+        }
+        break;
+    case QFM_ITEMMENU:
+        if (fromChannelList) {
+            ShowChannelMenu();
+        }
+        break;
+    case QFM_NAVPREVIOUS:
+    case QFM_NAVNEXT: {
+        const bool next = event.message() == QFM_NAVNEXT;
+        if (event.sourceControl == kCtlChannelView) {
+            StepChannel(next ? kCmdNextChannel : kCmdPreviousChannel);
+        } else if (event.sourceControl == kCtlStoryView) {
+            StepStory(next);
+        }
+        break;
+    }
+    case QFM_REFRESHDONE:
+        if (event.channel != nullptr && event.completion) {
+            event.completion(*event.channel);
+        }
+        break;
+    case kHandOverEvent:
+        if (event.work) {
+            event.work();
+        }
+        break;
+    }
+}
+
+void App::OpenChannel(Channel* channel) {
+    if (channel == nullptr || channel->state() == kChannelUpdating) {
+        return;
+    }
+    const WString cacheFile =
+        channel->cacheFile().isNull() ? WString(FeedFileName(channel->id())) : channel->cacheFile();
+    const auto path = DataFilePath(volume(), cacheFile);
+    if (!path || !FileExists(*path)) {
+        engine_->StartChannelUpdate(*channel, 0, true,
+                                    [this](Channel& updated) { ShowChannel(&updated); });
+        return;
+    }
+    if (channel->items().empty()) {
+        WaitCursor wait;
+        LoadCachedFeed(*channel, volume());
+    }
+    ShowChannel(channel);
+}
+
+void App::ShowChannel(Channel* channel) {
+    // The screens now show this channel's present stories; the replaced ones can go.
+    retiredItems_.clear();
+    channelScreen_->ShowChannel(channel);
+    SetScreen(kChannelScreen);
+}
+
+void App::ShowStory(Channel* channel, NewsItem* item) {
+    if (channel == nullptr || item == nullptr) {
+        return;
+    }
+    WaitCursor wait;
+    const bool wasUnread = !item->isRead();
+    if (wasUnread) {
+        item->SetRead(1);
+        channel->SetNewItemCount(channel->newItemCount() - 1);
+        channel->SetModified(1);
+    }
+    storyScreen_->ShowStory(channel, item);
+    SetScreen(kStoryScreen);
+    if (wasUnread) {
+        channelScreen_->ShowChannel(channelScreen_->channel());
+        channelsScreen_->UpdateRow(channel, true);
+    }
+}
+
+void App::StepStory(bool next) {
+    Channel* channel = storyScreen_->channel();
+    const NewsItem* shown = storyScreen_->item();
+    if (channel == nullptr) {
+        return;
+    }
+    const auto& items = channel->items();
+    const auto at = std::find_if(items.begin(), items.end(),
+                                 [shown](const auto& item) { return item.get() == shown; });
+    if (at == items.end()) {
+        return;
+    }
+    if (next && at + 1 != items.end()) {
+        ShowStory(channel, (at + 1)->get());
+    } else if (!next && at != items.begin()) {
+        ShowStory(channel, (at - 1)->get());
+    }
+}
+
+void App::ShowChannelMenu() {
+    const Channel* selected = channelsScreen_->SelectedChannel();
+    if (selected == nullptr) {
+        return;
+    }
+    const QRect row = channelsScreen_->RowRectOnScreen(selected);
+    contextMenu_->popup(row.bottomLeft());
+}
+
+void App::OpenLink(const QString& target) {
+    if (const auto address = LinkForBrowser(WString(target.toStdU16String()))) {
+        HideForBrowser();
+        dialogs_.open(QUrl(QString::fromStdU16String(*address)));
+    }
+}
+
+} // namespace qf::ui

@@ -1,0 +1,101 @@
+#include "ui/ChannelListModel.h"
+
+#include "model/ChannelListOrder.h"
+#include "model/ChannelStore.h"
+#include "ui/RowTitle.h"
+
+#include <algorithm>
+
+namespace qf::ui {
+
+void ChannelListModel::Fill(const ChannelStore& store, int32_t categoryFilter, bool unreadOnly) {
+    beginResetModel();
+    rows_.clear();
+    for (Channel* channel : ChannelListOrder(store, categoryFilter, unreadOnly)) {
+        rows_.push_back(MakeRow(channel));
+    }
+    endResetModel();
+}
+
+ChannelListModel::Row ChannelListModel::MakeRow(Channel* channel) {
+    return {channel, QString::fromStdU16String(RowTitle(channel->title().view())),
+            channel->newItemCount(), channel->itemCount(), channel->state()};
+}
+
+bool ChannelListModel::Refresh(const Channel* channel) {
+    const int row = RowOf(channel);
+    if (row < 0) {
+        return false;
+    }
+    const int32_t icon = rows_[static_cast<std::size_t>(row)].icon;
+    rows_[static_cast<std::size_t>(row)] = MakeRow(rows_[static_cast<std::size_t>(row)].channel);
+    rows_[static_cast<std::size_t>(row)].icon = icon;
+    emit dataChanged(index(row), index(row));
+    return true;
+}
+
+bool ChannelListModel::RefreshIcon(const Channel* channel) {
+    const int row = RowOf(channel);
+    if (row < 0) {
+        return false;
+    }
+    rows_[static_cast<std::size_t>(row)].icon = channel->state();
+    emit dataChanged(index(row), index(row), {kIconRole});
+    return true;
+}
+
+void ChannelListModel::Remove(const Channel* channel) {
+    const int row = RowOf(channel);
+    if (row < 0) {
+        return;
+    }
+    beginRemoveRows(QModelIndex(), row, row);
+    rows_.erase(rows_.begin() + row);
+    endRemoveRows();
+}
+
+int ChannelListModel::RowOf(const Channel* channel) const {
+    const auto found = std::find_if(rows_.begin(), rows_.end(),
+                                    [channel](const Row& row) { return row.channel == channel; });
+    return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
+}
+
+Channel* ChannelListModel::ChannelAt(int row) const {
+    return row >= 0 && row < rowCount() ? rows_[static_cast<std::size_t>(row)].channel : nullptr;
+}
+
+int ChannelListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+QVariant ChannelListModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= rowCount()) {
+        return {};
+    }
+    const Row& row = rows_[static_cast<std::size_t>(index.row())];
+    switch (role) {
+    case Qt::DisplayRole:
+        return row.title;
+    case kChannelRole:
+        return QVariant::fromValue(static_cast<void*>(row.channel));
+    case kIconRole:
+        return row.icon;
+    case kUnreadRole:
+        return row.unread;
+    case kTotalRole:
+        return row.total;
+    case kLiveUnreadRole:
+        return row.channel->newItemCount();
+    default:
+        return {};
+    }
+}
+
+QString CountText(int32_t unread, int32_t total, bool unreadAlone) {
+    if (total == 0) {
+        return {};
+    }
+    return unreadAlone ? QString::number(unread) : QStringLiteral("%1/%2").arg(unread).arg(total);
+}
+
+} // namespace qf::ui

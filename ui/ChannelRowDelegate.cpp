@@ -1,0 +1,92 @@
+#include "ui/ChannelRowDelegate.h"
+
+#include "ui/ChannelListModel.h"
+#include "ui/SvgImages.h"
+#include "ui/UiScale.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <algorithm>
+
+namespace qf::ui {
+
+namespace {
+
+constexpr int kHandheldIconSize = 16;
+constexpr std::array<const char*, 3> kStateIcons = {
+    ":/icons/channel-idle.svg", ":/icons/channel-updating.svg", ":/icons/channel-failed.svg"};
+
+QFont BoldFont(const QFont& font) {
+    QFont bold = font;
+    bold.setWeight(QFont::Bold);
+    return bold;
+}
+
+} // namespace
+
+ChannelRowDelegate::ChannelRowDelegate(std::function<bool()> unreadAlone, QWidget* list)
+    : QStyledItemDelegate(list), unreadAlone_(std::move(unreadAlone)) {
+    LoadIcons(list);
+}
+
+void ChannelRowDelegate::LoadIcons(const QWidget* list) {
+    iconSize_ = Scaled(kHandheldIconSize, list);
+    for (std::size_t i = 0; i < kStateIcons.size(); ++i) {
+        icons_[i] = RenderSvgPixmap(QString::fromLatin1(kStateIcons[i]),
+                                    QSize(iconSize_, iconSize_), list->devicePixelRatioF());
+    }
+}
+
+int ChannelRowDelegate::CountWidth(const QFont& listFont) const {
+    const QString sample = unreadAlone_() ? QStringLiteral("XXX") : QStringLiteral("XXX/XXX");
+    return QFontMetrics(BoldFont(listFont)).horizontalAdvance(sample);
+}
+
+int ChannelRowDelegate::RowHeight(const QFont& listFont) const {
+    return std::max(QFontMetrics(listFont).height(), iconSize_ + 2);
+}
+
+QSize ChannelRowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {
+    return {option.rect.width(), RowHeight(option.font)};
+}
+
+void ChannelRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                               const QModelIndex& index) const {
+    const QRect row = option.rect;
+    const bool selected = option.state.testFlag(QStyle::State_Selected);
+    const QPalette& palette = option.palette;
+    painter->save();
+    painter->fillRect(row, selected ? palette.highlight() : palette.base());
+    painter->setPen(selected ? palette.highlightedText().color() : palette.text().color());
+
+    const int indent = QFontMetrics(option.font).horizontalAdvance(QLatin1Char('x')) / 2;
+    const int state = std::clamp(index.data(ChannelListModel::kIconRole).toInt(), 0, 2);
+    const int iconTop = (row.top() + row.bottom() + 1 - iconSize_) / 2;
+    painter->drawPixmap(row.left() + indent, iconTop, icons_[static_cast<std::size_t>(state)]);
+
+    const bool unread = index.data(ChannelListModel::kLiveUnreadRole).toInt() != 0;
+    painter->setFont(unread ? BoldFont(option.font) : option.font);
+    const int titleWidth = row.width() - CountWidth(option.font);
+    const QRect title(QPoint(row.left() + indent + iconSize_ + indent, row.top()),
+                      QPoint(row.left() + titleWidth - 1, row.bottom()));
+    painter->setClipRect(title);
+    painter->drawText(title, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                      index.data(Qt::DisplayRole).toString());
+    painter->setClipping(false);
+
+    const QRect counts(QPoint(row.left() + titleWidth, row.top()), row.bottomRight());
+    const QString countText =
+        CountText(index.data(ChannelListModel::kUnreadRole).toInt(),
+                  index.data(ChannelListModel::kTotalRole).toInt(), unreadAlone_());
+    painter->drawText(counts, Qt::AlignCenter | Qt::TextSingleLine, countText);
+
+    if (option.state.testFlag(QStyle::State_HasFocus)) {
+        QStyleOptionFocusRect focus;
+        focus.QStyleOption::operator=(option);
+        focus.backgroundColor = selected ? palette.highlight().color() : palette.base().color();
+        QApplication::style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter);
+    }
+    painter->restore();
+}
+
+} // namespace qf::ui

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QPixmap>
+#include <QStyledItemDelegate>
+#include <array>
+#include <functional>
+
+namespace qf::ui {
+
+// Paints a row of the channels list: the icon of the channel's state, the title (bold while the
+// channel has unread stories) and the count text centred in its own column on the right.
+class ChannelRowDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    // `unreadAlone` answers whether the count column shows the unread count alone (a Smartphone
+    // narrower than 240 pixels).
+    ChannelRowDelegate(std::function<bool()> unreadAlone, QWidget* list);
+
+    // The state icons (idle, being updated, failed) for the list's font and screen.
+    void LoadIcons(const QWidget* list);
+
+    // The width of the count column: the sample "XXX/XXX" ("XXX" when the unread count stands
+    // alone) in the bold font.
+    int CountWidth(const QFont& listFont) const;
+    int RowHeight(const QFont& listFont) const;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
+private:
+    std::function<bool()> unreadAlone_;
+    std::array<QPixmap, 3> icons_;
+    int iconSize_ = 16;
+};
+
+} // namespace qf::ui

@@ -1,0 +1,51 @@
+#include "ui/StoryScreen.h"
+
+#include "model/ChannelStore.h"
+#include "render/StoryPage.h"
+#include "ui/CommandIds.h"
+#include "ui/HtmlView.h"
+#include "ui/PageContexts.h"
+#include "ui/ProgressBar.h"
+
+namespace qf::ui {
+
+StoryScreen::StoryScreen(QObject* frame, ChannelStore& store, QWidget* parent)
+    : QWidget(parent), store_(store), view_(new HtmlView(frame, kCtlStoryView, this)),
+      progress_(new ProgressBar(store, this)) {
+    setObjectName(QStringLiteral("QFRssItemWnd"));
+    view_->setObjectName(QString::number(kCtlStoryView));
+    progress_->hide();
+    setFocusProxy(view_);
+}
+
+void StoryScreen::ShowStory(Channel* channel, NewsItem* item) {
+    if (channel == nullptr || item == nullptr) {
+        return;
+    }
+    channel_ = channel;
+    item_ = item;
+    view_->SetPage(BuildStoryPage(*channel, *item, PageContextFor(store_)), true);
+}
+
+void StoryScreen::Forget() {
+    channel_ = nullptr;
+    item_ = nullptr;
+    view_->SetPage(std::nullopt, true);
+}
+
+void StoryScreen::ShowProgress(bool shown) {
+    progress_->setVisible(shown);
+    LayOut();
+}
+
+void StoryScreen::resizeEvent(QResizeEvent*) {
+    LayOut();
+}
+
+void StoryScreen::LayOut() {
+    const int progressHeight = progress_->isHidden() ? 0 : progress_->PreferredHeight();
+    view_->setGeometry(0, 0, width(), height() - progressHeight);
+    progress_->setGeometry(-1, height() - progressHeight, width() + 2, progressHeight);
+}
+
+} // namespace qf::ui

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QWidget>
+
+namespace qf {
+class Channel;
+class ChannelStore;
+class NewsItem;
+} // namespace qf
+
+namespace qf::ui {
+
+class HtmlView;
+class ProgressBar;
+
+// One story as its page in an HTML view, with the progress control while a refresh runs.
+class StoryScreen : public QWidget {
+    Q_OBJECT
+
+public:
+    StoryScreen(QObject* frame, ChannelStore& store, QWidget* parent);
+
+    // Shows the story; nothing happens when either is missing.
+    void ShowStory(Channel* channel, NewsItem* item);
+    // Lets go of the story, whose channel is going away, and empties the view.
+    void Forget();
+    Channel* channel() const { return channel_; }
+    NewsItem* item() const { return item_; }
+
+    HtmlView* view() const { return view_; }
+    ProgressBar* progress() const { return progress_; }
+    void ShowProgress(bool shown);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void LayOut();
+
+    ChannelStore& store_;
+    Channel* channel_ = nullptr;
+    NewsItem* item_ = nullptr;
+    HtmlView* view_;
+    ProgressBar* progress_;
+};
+
+} // namespace qf::ui
