@@ -1,7 +1,7 @@
 // Feeds arbitrary bytes to the feed readers, loaded both as a file and as text: whatever the
 // document, reading it, marking its stories and stamping their read states back must neither
 // crash nor hang.
-#include "fuzz/FuzzScratch.h"
+#include "fuzz/FuzzDocuments.h"
 #include "model/Channel.h"
 #include "parse/FeedReader.h"
 #include "parse/ReadState.h"
@@ -40,16 +40,6 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    const std::string bytes(reinterpret_cast<const char*>(data), size);
-    const std::filesystem::path input = qf::fuzz::WriteScratchFile("input.xml", data, size);
-
-    qf::XmlDocument fromFile;
-    if (fromFile.LoadFile(qf::FromFsPath(input))) {
-        ReadAndStamp(fromFile);
-    }
-    qf::XmlDocument fromText;
-    if (fromText.LoadText(qf::Utf8ToUtf16(bytes), false)) {
-        ReadAndStamp(fromText);
-    }
+    qf::fuzz::LoadBothWays(data, size, ReadAndStamp);
     return 0;
 }

@@ -1,6 +1,6 @@
 // Feeds arbitrary bytes to the XML document layer, both as a file and as text, then walks and
 // saves whatever loaded: no input may crash it, hang it or make it read outside the tree.
-#include "fuzz/FuzzScratch.h"
+#include "fuzz/FuzzDocuments.h"
 #include "parse/XmlDocument.h"
 #include "platform/AtomicFile.h"
 #include "platform/Text.h"
@@ -46,16 +46,6 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    const std::string bytes(reinterpret_cast<const char*>(data), size);
-    const std::filesystem::path input = qf::fuzz::WriteScratchFile("input.xml", data, size);
-
-    qf::XmlDocument fromFile;
-    if (fromFile.LoadFile(qf::FromFsPath(input))) {
-        Exercise(fromFile);
-    }
-    qf::XmlDocument fromText;
-    if (fromText.LoadText(qf::Utf8ToUtf16(bytes), false)) {
-        Exercise(fromText);
-    }
+    qf::fuzz::LoadBothWays(data, size, Exercise);
     return 0;
 }
