@@ -21,6 +21,7 @@ constexpr auto kStrings = std::to_array<Entry>({
     {40031, u"Add Channel"},
     {40043, u"Delete Channel"},
     {40044, u"Channel Properties..."},
+    {40052, u"Do you want to move the channels data to the chosen location?"},
     {40211, u"Failed to open Channels file '%s'."},
     {40227, u"Default"},
     {40242, u"Main Memory"},

@@ -50,6 +50,9 @@ UserDialogs WithDefaults(UserDialogs dialogs) {
     if (!dialogs.about) {
         dialogs.about = [] { ShowAboutBox(nullptr); };
     }
+    if (!dialogs.run) {
+        dialogs.run = [](QDialog& dialog) { return dialog.exec(); };
+    }
     if (!dialogs.open) {
         dialogs.open = [](const QUrl& address) { return QDesktopServices::openUrl(address); };
     }

@@ -15,6 +15,7 @@
 #include <span>
 #include <vector>
 
+class QDialog;
 class QMenu;
 class QTimer;
 
@@ -45,6 +46,8 @@ struct UserDialogs {
     std::function<void()> about;
     // Hands an address to the desktop (browser, help viewer); false when nothing took it.
     std::function<bool(const QUrl& address)> open;
+    // Runs one of the program's own dialogs modally and answers its result code.
+    std::function<int(QDialog& dialog)> run;
 };
 
 // The application frame: owns the channel store, the refresh engine and the main window with the
@@ -143,6 +146,8 @@ private:
     void MarkChannel(int command);
     void StepNews(int command);
     void ReadOnline(int command);
+    void EditChannelProperties(int command);
+    void ChooseOptions(int command);
     void NoAction(int command);
 
     // Private messages.

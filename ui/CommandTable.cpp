@@ -28,9 +28,9 @@ std::span<const App::CommandRoute> App::CommandRoutes() {
         {kChannelsScreen, kCmdDownloadChannel, &App::DownloadChannel},
         {kChannelsScreen, kCmdMarkAllRead, &App::MarkAll},
         {kChannelsScreen, kCmdMarkAllUnread, &App::MarkAll},
-        {kChannelsScreen, kCmdChannelProperties, &App::NoAction},
+        {kChannelsScreen, kCmdChannelProperties, &App::EditChannelProperties},
         {kChannelsScreen, kCmdNewChannelsOnly, &App::ToggleNewChannels},
-        {kChannelsScreen, kCmdOptions, &App::NoAction},
+        {kChannelsScreen, kCmdOptions, &App::ChooseOptions},
 
         {kChannelScreen, kCmdRefreshChannel, &App::RefreshChannel},
         {kChannelScreen, kCmdPreviousChannel, &App::StepChannel},
@@ -42,7 +42,7 @@ std::span<const App::CommandRoute> App::CommandRoutes() {
         {kChannelScreen, kCmdAscending, &App::ChooseSort},
         {kChannelScreen, kCmdMarkAllRead, &App::MarkChannel},
         {kChannelScreen, kCmdMarkAllUnread, &App::MarkChannel},
-        {kChannelScreen, kCmdChannelProperties, &App::NoAction},
+        {kChannelScreen, kCmdChannelProperties, &App::EditChannelProperties},
 
         {kStoryScreen, kCmdPreviousNews, &App::StepNews},
         {kStoryScreen, kCmdNextNews, &App::StepNews},

@@ -7,6 +7,7 @@
 #include "ui/SoftKeyBar.h"
 
 #include <QCoreApplication>
+#include <QDialog>
 #include <QMenu>
 #include <QTest>
 
@@ -52,6 +53,9 @@ App& UiFixture::StartApp(DeviceFamily family) {
     dialogs.open = [this](const QUrl& address) {
         opened_ << address;
         return true;
+    };
+    dialogs.run = [this](QDialog& dialog) {
+        return onDialog_ ? onDialog_(dialog) : static_cast<int>(QDialog::Rejected);
     };
     app_ = std::make_unique<App>(family, std::move(dialogs));
     EXPECT_TRUE(app_->Start());

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 class QAction;
+class QDialog;
 class QMenu;
 
 namespace qf::ui::test {
@@ -53,6 +54,8 @@ protected:
     bool answer_ = true;
     std::optional<QString> typed_;
     QList<QUrl> opened_;
+    // Plays the user's part in the program's own dialogs; without it they are cancelled.
+    std::function<int(QDialog&)> onDialog_;
 
 private:
     std::unique_ptr<App> app_;

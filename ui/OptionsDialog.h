@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QDialog>
+#include <functional>
+#include <string>
+
+class QComboBox;
+
+namespace qf {
+class ChannelStore;
+} // namespace qf
+
+namespace qf::ui {
+
+// Where the channels data is kept: main memory or a storage card. Choosing another volume and
+// confirming the question moves the whole data folder there and makes it the volume in use.
+class OptionsDialog : public QDialog {
+    Q_OBJECT
+
+public:
+    using Question = std::function<bool(const QString& question)>;
+
+    OptionsDialog(ChannelStore& store, Question ask, QWidget* parent);
+
+    QComboBox* volumes() const { return volumes_; }
+    // The volume an entry stands for: "\" for main memory, "\" + the card's name otherwise.
+    std::u16string VolumeOf(int entry) const;
+
+    void accept() override;
+
+private:
+    void FillVolumes();
+    void MoveTo(const std::u16string& volume);
+
+    ChannelStore& store_;
+    Question ask_;
+    QComboBox* volumes_;
+};
+
+} // namespace qf::ui
