@@ -16,7 +16,7 @@ namespace qf::test {
 namespace {
 
 const std::filesystem::path kScript =
-    std::filesystem::path(__FILE__).parent_path() / "http_test_server.py";
+    std::filesystem::path(QF_SOURCE_DIR) / "tests" / "support" / "http_test_server.py";
 
 // The distribution's interpreter (the set-up scripts install it) when there is one: a version
 // manager's shim found first in PATH can take a second to start, and every test starts a server.
