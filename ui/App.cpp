@@ -5,6 +5,7 @@
 #include "model/ViewerSettings.h"
 #include "net/RefreshEngine.h"
 #include "ui/AboutBox.h"
+#include "ui/AddChannelWizard.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
 #include "ui/HtmlView.h"
@@ -49,6 +50,11 @@ UserDialogs WithDefaults(UserDialogs dialogs) {
     }
     if (!dialogs.about) {
         dialogs.about = [] { ShowAboutBox(nullptr); };
+    }
+    if (!dialogs.runWizard) {
+        dialogs.runWizard = [](AddChannelWizard& wizard) {
+            return wizard.exec() == QDialog::Accepted;
+        };
     }
     if (!dialogs.open) {
         dialogs.open = [](const QUrl& address) { return QDesktopServices::openUrl(address); };

@@ -25,6 +25,7 @@ class RefreshEngine;
 
 namespace qf::ui {
 
+class AddChannelWizard;
 class ChannelScreen;
 class ChannelsScreen;
 class MainWindow;
@@ -45,6 +46,8 @@ struct UserDialogs {
     std::function<void()> about;
     // Hands an address to the desktop (browser, help viewer); false when nothing took it.
     std::function<bool(const QUrl& address)> open;
+    // Runs the add-channel wizard modally; true when it ended with Finish.
+    std::function<bool(AddChannelWizard& wizard)> runWizard;
 };
 
 // The application frame: owns the channel store, the refresh engine and the main window with the
@@ -129,6 +132,8 @@ private:
     void ToggleClearType(int command);
     void ToggleFitToScreen(int command);
     void LeaveWelcome(int command);
+    // Runs the add-channel wizard; true when it added to the store.
+    bool AddChannels();
     void RefreshAll(int command);
     void NewChannel(int command);
     void DeleteChannel(int command);

@@ -53,6 +53,7 @@ App& UiFixture::StartApp(DeviceFamily family) {
         opened_ << address;
         return true;
     };
+    dialogs.runWizard = [this](AddChannelWizard& wizard) { return wizard_ && wizard_(wizard); };
     app_ = std::make_unique<App>(family, std::move(dialogs));
     EXPECT_TRUE(app_->Start());
     QCoreApplication::processEvents();

@@ -53,6 +53,8 @@ protected:
     bool answer_ = true;
     std::optional<QString> typed_;
     QList<QUrl> opened_;
+    // Plays the user's part in the add-channel wizard; without one the wizard is cancelled.
+    std::function<bool(AddChannelWizard&)> wizard_;
 
 private:
     std::unique_ptr<App> app_;
