@@ -21,8 +21,8 @@ constexpr int kStrAddChannel = 40031;
 // Screens narrower than this are a handheld's, where the dialog takes the whole screen.
 constexpr int kHandheldScreenWidth = 640;
 // The dialog's size on a larger screen, in the handheld's pixels.
-constexpr int kDesktopWidth = 300;
-constexpr int kDesktopHeight = 260;
+constexpr int kDesktopWidth = 420;
+constexpr int kDesktopHeight = 480;
 
 } // namespace
 
