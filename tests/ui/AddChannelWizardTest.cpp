@@ -194,6 +194,13 @@ TEST_F(AddChannelWizardTest, UrlPathFromTheWelcomeScreenAddsOneChannelWithThePro
         QLineEdit* url = wizard.enterUrlPage()->urlBox();
         EXPECT_EQ(wizard.enterUrlPage()->titleBox()->text(), QStringLiteral("Channel #1"));
         EXPECT_TRUE(wizard.button(QWizard::FinishButton)->isVisible());
+        // The boxes have the clipboard menu.
+        QTest::mouseClick(url, Qt::RightButton, {}, QPoint(5, 5));
+        auto* menu = wizard.enterUrlPage()->findChild<QMenu*>(QStringLiteral("EditMenu"));
+        EXPECT_TRUE(menu != nullptr && menu->isVisible());
+        if (menu != nullptr) {
+            menu->close();
+        }
         QTest::keyClicks(url, QStringLiteral("http://127.0.0.1:9/typed"));
         QTest::keyClick(url, Qt::Key_Return);
         return wizard.result() == QDialog::Accepted;
@@ -286,19 +293,6 @@ TEST_F(AddChannelWizardTest, BrowseTakesAFileFromAnywhere) {
     EXPECT_EQ(page->list()->currentItem()->text(), QStringLiteral("elsewhere.opml"));
     QTest::keyClick(page->list(), Qt::Key_Return);
     EXPECT_EQ(Tree(wizard)->topLevelItem(0)->childCount(), 2);
-}
-
-TEST_F(AddChannelWizardTest, TheUrlPageBoxesHaveTheEditMenu) {
-    StartApp();
-    AddChannelWizard wizard(app().store(), {}, nullptr);
-    wizard.show();
-    ChooseRow(wizard, 1);
-    QLineEdit* title = wizard.enterUrlPage()->titleBox();
-    QTest::mouseClick(title, Qt::RightButton, {}, QPoint(5, 5));
-    auto* menu = wizard.enterUrlPage()->findChild<QMenu*>(QStringLiteral("EditMenu"));
-    ASSERT_NE(menu, nullptr);
-    EXPECT_TRUE(menu->isVisible());
-    menu->close();
 }
 
 } // namespace
