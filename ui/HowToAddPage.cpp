@@ -1,6 +1,7 @@
 #include "ui/HowToAddPage.h"
 
 #include "platform/StringTable.h"
+#include "ui/UiScale.h"
 
 #include <QLabel>
 #include <QListWidget>
@@ -36,7 +37,9 @@ void HowToAddPage::Activate() {
     list_->clear();
     for (const int text : kRowTexts) {
         const std::u16string_view row = LoadString(text);
-        list_->addItem(QString::fromUtf16(row.data(), static_cast<qsizetype>(row.size())));
+        auto* item = new QListWidgetItem(
+            QString::fromUtf16(row.data(), static_cast<qsizetype>(row.size())), list_);
+        item->setSizeHint(QSize(0, Scaled(kListRowHeight, list_)));
     }
     const bool known = data_.method >= 0 && data_.method < static_cast<int32_t>(kRowTexts.size());
     list_->setCurrentRow(known ? data_.method : 0);

@@ -1,6 +1,7 @@
 #include "ui/PickOpmlPage.h"
 
 #include "platform/Volumes.h"
+#include "ui/UiScale.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -65,6 +66,7 @@ void PickOpmlPage::AddFile(const QString& path) {
     auto* item = new QListWidgetItem(QFileInfo(path).fileName(), list_);
     item->setData(Qt::UserRole, path);
     item->setToolTip(QDir::toNativeSeparators(path));
+    item->setSizeHint(QSize(0, Scaled(kListRowHeight, list_)));
 }
 
 void PickOpmlPage::Browse() {

@@ -27,6 +27,10 @@ enum WizardPageId : int {
     kPickOpmlPage = 3,
 };
 
+// The height of a row in the pages' lists, in the handheld's pixels: taller than the text, so
+// that a finger hits the row it means.
+inline constexpr int kListRowHeight = 22;
+
 // What the pages choose during one run of the wizard; every page reads and writes it.
 struct WizardData {
     int32_t method = kAddFromDirectory;
