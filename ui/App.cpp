@@ -16,7 +16,6 @@
 #include "ui/WelcomeScreen.h"
 
 #include <QDesktopServices>
-#include <QInputDialog>
 #include <QMenu>
 #include <QMessageBox>
 #include <QTimer>
@@ -37,14 +36,6 @@ UserDialogs WithDefaults(UserDialogs dialogs) {
     if (!dialogs.tell) {
         dialogs.tell = [](const QString& message) {
             QMessageBox::warning(nullptr, QStringLiteral("Quillfeed"), message);
-        };
-    }
-    if (!dialogs.askText) {
-        dialogs.askText = [](const QString& prompt, const QString& proposal) {
-            bool accepted = false;
-            const QString text = QInputDialog::getText(nullptr, QStringLiteral("Quillfeed"), prompt,
-                                                       QLineEdit::Normal, proposal, &accepted);
-            return accepted ? std::optional<QString>(text) : std::nullopt;
         };
     }
     if (!dialogs.about) {

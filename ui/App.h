@@ -40,8 +40,6 @@ struct UserDialogs {
     std::function<bool(const QString& question)> ask;
     // A message with an OK button.
     std::function<void(const QString& message)> tell;
-    // A line of text, starting from `proposal`; nullopt when the user cancels.
-    std::function<std::optional<QString>(const QString& prompt, const QString& proposal)> askText;
     // The About box.
     std::function<void()> about;
     // Hands an address to the desktop (browser, help viewer); false when nothing took it.
@@ -132,6 +130,8 @@ private:
     void ToggleClearType(int command);
     void ToggleFitToScreen(int command);
     void LeaveWelcome(int command);
+    // Runs the add-channel wizard; true when it added to the store.
+    bool AddChannels();
     void RefreshAll(int command);
     void NewChannel(int command);
     void DeleteChannel(int command);

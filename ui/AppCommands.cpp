@@ -3,6 +3,7 @@
 #include "net/BrowserLink.h"
 #include "net/RefreshEngine.h"
 #include "platform/StringTable.h"
+#include "ui/AddChannelWizard.h"
 #include "ui/App.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
@@ -17,7 +18,6 @@ namespace qf::ui {
 
 namespace {
 
-constexpr int kStrNewChannelTitle = 40243;
 constexpr int kStrDeleteQuestion = 40247;
 
 // The text size level each size command chooses.
@@ -87,9 +87,16 @@ void App::ToggleFitToScreen(int) {
 }
 
 void App::LeaveWelcome(int) {
-    RefillChannels();
+    if (AddChannels()) {
+        RefillChannels();
+    }
     SetScreen(kChannelsScreen);
     store_.SetLoaded(1);
+}
+
+bool App::AddChannels() {
+    AddChannelWizard wizard(store_, family_, mainWindow_.get());
+    return dialogs_.run(wizard) == QDialog::Accepted && wizard.Apply();
 }
 
 void App::RefreshAll(int) {
@@ -103,18 +110,8 @@ void App::RefreshAll(int) {
 }
 
 void App::NewChannel(int) {
-    const QString proposal =
-        ToQString(LoadString(kStrNewChannelTitle)) + QString::number(store_.nextId());
-    const auto address =
-        dialogs_.askText(QStringLiteral("Channel URL:"), QStringLiteral("http://"));
-    if (!address || address->trimmed().isEmpty()) {
-        return;
-    }
-    Channel* added = store_.AddChannel(WString(address->trimmed().toStdU16String()),
-                                       WString(proposal.toStdU16String()));
-    if (added != nullptr) {
+    if (AddChannels()) {
         RefillChannels();
-        channelsScreen_->SelectRow(added);
     }
 }
 

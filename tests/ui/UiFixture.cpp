@@ -3,6 +3,7 @@
 #include "model/ChannelStoreFile.h"
 #include "model/FileUtil.h"
 #include "platform/AtomicFile.h"
+#include "ui/AddChannelWizard.h"
 #include "ui/MainWindow.h"
 #include "ui/SoftKeyBar.h"
 
@@ -48,13 +49,16 @@ App& UiFixture::StartApp(DeviceFamily family) {
         return answer_;
     };
     dialogs.tell = [this](const QString& message) { told_ << message; };
-    dialogs.askText = [this](const QString&, const QString&) { return typed_; };
     dialogs.about = [this] { told_ << QStringLiteral("About"); };
     dialogs.open = [this](const QUrl& address) {
         opened_ << address;
         return true;
     };
     dialogs.run = [this](QDialog& dialog) {
+        if (auto* wizard = dynamic_cast<AddChannelWizard*>(&dialog); wizard != nullptr && wizard_) {
+            return wizard_(*wizard) ? static_cast<int>(QDialog::Accepted)
+                                    : static_cast<int>(QDialog::Rejected);
+        }
         return onDialog_ ? onDialog_(dialog) : static_cast<int>(QDialog::Rejected);
     };
     app_ = std::make_unique<App>(family, std::move(dialogs));

@@ -16,6 +16,10 @@ class QAction;
 class QDialog;
 class QMenu;
 
+namespace qf::ui {
+class AddChannelWizard;
+} // namespace qf::ui
+
 namespace qf::ui::test {
 
 // A user's folders in a temporary place, a store file written there when a test wants one, and
@@ -52,10 +56,11 @@ protected:
     QStringList told_;
     QStringList asked_;
     bool answer_ = true;
-    std::optional<QString> typed_;
     QList<QUrl> opened_;
     // Plays the user's part in the program's own dialogs; without it they are cancelled.
     std::function<int(QDialog&)> onDialog_;
+    // The same for the add-channel wizard: true for Finish.
+    std::function<bool(AddChannelWizard&)> wizard_;
 
 private:
     std::unique_ptr<App> app_;
