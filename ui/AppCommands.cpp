@@ -223,7 +223,11 @@ void App::MarkChannel(int command) {
         return;
     }
     MarkAllItems(*channel, command == kCmdMarkAllRead, volume());
-    channelScreen_->ShowChannel(channel);
+    if (store_.newHeadlines() != 0) {
+        channelScreen_->ShowChannel(channel);
+    } else {
+        channelScreen_->RepaintList();
+    }
     channelsScreen_->UpdateRow(channel, false);
 }
 
