@@ -12,7 +12,6 @@
 
 #include <QKeyEvent>
 #include <QListView>
-#include <algorithm>
 
 namespace qf::ui {
 
@@ -57,8 +56,11 @@ void ChannelScreen::ShowChannel(Channel* channel, int32_t sortKey, int32_t sortD
         Sort(sortKey, sortDirection);
     }
     if (selected != nullptr) {
+        // When the story left the list, the row that took its place is selected, so that the
+        // next story is the selected one and the previous the one above it; after the last row
+        // there is neither.
         const int row = model_->RowOf(selected);
-        SelectRowAt(row >= 0 ? row : std::min(selectedRow, model_->rowCount() - 1));
+        SelectRowAt(row >= 0 ? row : selectedRow);
     }
 }
 
