@@ -110,11 +110,15 @@ void NewsRowDelegate::PaintStory(QPainter* painter, const QStyleOptionViewItem& 
     DrawOpaque(painter, dateLine, Qt::AlignRight | Qt::AlignTop | Qt::TextSingleLine,
                QLatin1Char(' ') + index.data(NewsListModel::kDateRole).toString(), background);
 
+    // Neighbouring rows share one separator: the lower row draws it along its top, and only the
+    // last row draws its bottom edge.
     painter->setPen(QPen(kGrey, 0));
     if (index.row() != 0) {
         painter->drawLine(row.topLeft(), row.topRight());
     }
-    painter->drawLine(row.bottomLeft(), row.bottomRight());
+    if (index.row() == index.model()->rowCount() - 1) {
+        painter->drawLine(row.bottomLeft(), row.bottomRight());
+    }
 }
 
 void NewsRowDelegate::PaintMessage(QPainter* painter, const QStyleOptionViewItem& option,
