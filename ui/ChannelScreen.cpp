@@ -65,7 +65,11 @@ void ChannelScreen::ShowChannel(Channel* channel, int32_t sortKey, int32_t sortD
 }
 
 void ChannelScreen::ShowBanner() {
-    if (channel_ == nullptr || banner_->height() <= 0 || banner_->width() <= 0) {
+    if (channel_ == nullptr) {
+        banner_->SetPage(std::nullopt, true);
+        return;
+    }
+    if (banner_->height() <= 0 || banner_->width() <= 0) {
         return;
     }
     banner_->SetPage(BuildChannelPage(*channel_, banner_->width(), banner_->height(),
