@@ -175,6 +175,7 @@ void App::RefreshChannel(int) {
     }
     store_.busy() = 1;
     store_.stopRequested() = 0;
+    refreshCursor_ = std::make_unique<WaitCursor>();
     engine_->StartChannelUpdate(*channel, 0, true, [this](Channel& updated) {
         channelScreen_->ShowChannel(&updated);
         store_.busy() = 0;
