@@ -138,6 +138,9 @@ void App::ShowChannelMenu() {
 }
 
 void App::OpenLink(const QString& target) {
+    if (target.isEmpty()) {
+        return;
+    }
     if (const auto address = LinkForBrowser(WString(target.toStdU16String()))) {
         HideForBrowser();
         dialogs_.open(QUrl(QString::fromStdU16String(*address)));
