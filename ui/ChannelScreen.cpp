@@ -79,8 +79,6 @@ void ChannelScreen::ShowBanner() {
 
 void ChannelScreen::FillList(Channel* channel, bool newOnly) {
     model_->Fill(channel, newOnly);
-    // The row height depends on whether the list shows the message row.
-    list_->reset();
     list_->scrollToTop();
 }
 

@@ -32,10 +32,15 @@ TEST_F(ChannelScreenTest, NewOnlyAndSortChoicesRefillAndReorderTheList) {
 
 TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) {
     StartWithStories();
+    OpenChannel(0);
+    QListView* list = news().list();
+    const int storyHeight = list->visualRect(news().model()->index(0)).height();
+    app().OnCommand(kCtlNone, kCmdBack);
     OpenChannel(1);
     ASSERT_EQ(Titles(), QStringList({"Failed to parse the channel@1/5/24 9:30 AM"}));
-    QListView* list = news().list();
+    // The message row has room for a third line.
     const QRect row = list->visualRect(news().model()->index(0));
+    EXPECT_GT(row.height(), storyHeight * 4 / 3);
     const QImage shot = list->viewport()->grab(row).toImage();
     bool redLeft = false;
     bool greyRight = false;
