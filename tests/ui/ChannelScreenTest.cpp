@@ -81,6 +81,7 @@ TEST_F(ChannelScreenTest, KeyboardMovesOpensGoesBackAndStepsChannels) {
     QTest::keyClick(list, Qt::Key_Return);
     ASSERT_TRUE(WaitFor([this] { return app().screen() == kStoryScreen; }));
     EXPECT_EQ(app().storyScreen()->item(), news().model()->ItemAt(1));
+    EXPECT_TRUE(app().storyScreen()->view()->hasFocus());
 
     QTest::keyClick(app().mainWindow(), Qt::Key_Escape);
     ASSERT_EQ(app().screen(), kChannelScreen);
