@@ -201,11 +201,18 @@ void App::OnActivate() {
         mainWindow_->showNormal();
         hiddenForBrowser_ = false;
     }
+    SoftKeyBar* softKeys = mainWindow_->softKeys();
+    if (softKeys->isHidden()) {
+        softKeys->Load(MenuBarFor(screen_));
+        softKeys->show();
+    }
 }
 
 void App::HideForBrowser() {
     hiddenForBrowser_ = true;
+    // Minimised rather than hidden: a hidden window could not be brought back from the task bar.
     mainWindow_->showMinimized();
+    mainWindow_->softKeys()->hide();
 }
 
 void App::OnDestroy() {

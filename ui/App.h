@@ -31,6 +31,7 @@ class ChannelsScreen;
 class MainWindow;
 class PrivateMessageEvent;
 class StoryScreen;
+class WaitCursor;
 class WelcomeScreen;
 
 // What the frame asks of the user and of the desktop, replaceable so that tests answer instead
@@ -188,6 +189,8 @@ private:
     // control shows while either is so.
     std::set<const Channel*> updating_;
     bool refreshAllRunning_ = false;
+    // Shown from "Refresh Channel" until the shown channel's update ends.
+    std::unique_ptr<WaitCursor> refreshCursor_;
     // Stories a refresh replaced while a screen may still show them.
     std::vector<Channel::ItemList> retiredItems_;
 };

@@ -172,6 +172,7 @@ void App::RefreshChannel(int) {
     }
     store_.busy() = 1;
     store_.stopRequested() = 0;
+    refreshCursor_ = std::make_unique<WaitCursor>();
     engine_->StartChannelUpdate(*channel, 0, true, [this](Channel& updated) {
         channelScreen_->ShowChannel(&updated);
         store_.busy() = 0;
@@ -220,7 +221,11 @@ void App::MarkChannel(int command) {
         return;
     }
     MarkAllItems(*channel, command == kCmdMarkAllRead, volume());
-    channelScreen_->ShowChannel(channel);
+    if (store_.newHeadlines() != 0) {
+        channelScreen_->ShowChannel(channel);
+    } else {
+        channelScreen_->RepaintList();
+    }
     channelsScreen_->UpdateRow(channel, false);
 }
 

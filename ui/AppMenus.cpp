@@ -79,11 +79,11 @@ void App::UpdateMenuState(QMenu* menu) {
         Enable(menu, kCmdNextChannel, channelsScreen_->NextChannel(shown, true) != nullptr);
         SetText(menu, kCmdRefreshChannel, busy ? kStrStopRefreshChannel : kStrRefreshChannel);
     } else if (screen_ == kStoryScreen) {
-        const Channel* channel = storyScreen_->channel();
-        const bool hasItems = channel != nullptr && !channel->items().empty();
+        const bool listed = storyScreen_->channel() == channelScreen_->channel();
         const NewsItem* shown = storyScreen_->item();
-        Enable(menu, kCmdPreviousNews, hasItems && channel->items().front().get() != shown);
-        Enable(menu, kCmdNextNews, hasItems && channel->items().back().get() != shown);
+        Enable(menu, kCmdPreviousNews,
+               listed && channelScreen_->PreviousStory(shown, true) != nullptr);
+        Enable(menu, kCmdNextNews, listed && channelScreen_->NextStory(shown, true) != nullptr);
         Enable(menu, kCmdFitToScreen, true);
         for (int command : kTextSizeCommands) {
             Enable(menu, command, true);

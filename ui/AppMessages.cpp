@@ -13,7 +13,6 @@
 #include "ui/WaitCursor.h"
 
 #include <QMenu>
-#include <algorithm>
 
 namespace qf::ui {
 
@@ -101,28 +100,31 @@ void App::ShowStory(Channel* channel, NewsItem* item) {
     }
     storyScreen_->ShowStory(channel, item);
     SetScreen(kStoryScreen);
+    if (channelScreen_->channel() == channel) {
+        // Back returns to the story's row, and the next story follows from it even when the
+        // new-only filter takes the row away.
+        channelScreen_->SelectRow(item);
+    }
     if (wasUnread) {
-        channelScreen_->ShowChannel(channelScreen_->channel());
-        channelsScreen_->UpdateRow(channel, true);
+        if (store_.newHeadlines() != 0 && channelScreen_->channel() == channel) {
+            channelScreen_->ShowChannel(channel);
+        } else {
+            channelScreen_->UpdateRow(item, true);
+        }
+        channelsScreen_->UpdateRow(channel, false);
     }
 }
 
 void App::StepStory(bool next) {
     Channel* channel = storyScreen_->channel();
     const NewsItem* shown = storyScreen_->item();
-    if (channel == nullptr) {
+    if (channel == nullptr || channelScreen_->channel() != channel) {
         return;
     }
-    const auto& items = channel->items();
-    const auto at = std::find_if(items.begin(), items.end(),
-                                 [shown](const auto& item) { return item.get() == shown; });
-    if (at == items.end()) {
-        return;
-    }
-    if (next && at + 1 != items.end()) {
-        ShowStory(channel, (at + 1)->get());
-    } else if (!next && at != items.begin()) {
-        ShowStory(channel, (at - 1)->get());
+    NewsItem* step =
+        next ? channelScreen_->NextStory(shown, true) : channelScreen_->PreviousStory(shown, true);
+    if (step != nullptr) {
+        ShowStory(channel, step);
     }
 }
 
@@ -136,6 +138,9 @@ void App::ShowChannelMenu() {
 }
 
 void App::OpenLink(const QString& target) {
+    if (target.isEmpty()) {
+        return;
+    }
     if (const auto address = LinkForBrowser(WString(target.toStdU16String()))) {
         HideForBrowser();
         dialogs_.open(QUrl(QString::fromStdU16String(*address)));

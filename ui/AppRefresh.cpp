@@ -6,6 +6,7 @@
 #include "ui/PrivateMessages.h"
 #include "ui/ProgressBar.h"
 #include "ui/StoryScreen.h"
+#include "ui/WaitCursor.h"
 
 namespace qf::ui {
 
@@ -31,6 +32,9 @@ void App::RedrawChannel(const Channel& channel) {
     } else {
         updating_.erase(&channel);
         HideProgressWhenIdle();
+        if (&channel == channelScreen_->channel()) {
+            refreshCursor_.reset();
+        }
     }
 }
 

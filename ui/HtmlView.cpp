@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QTextDocument>
 #include <array>
@@ -25,7 +26,10 @@ HtmlView::HtmlView(QObject* frame, int screenControl, QWidget* parent)
     setFrameShape(NoFrame);
     connect(this, &QTextBrowser::anchorClicked, this, [this](const QUrl& target) {
         if (linkHandler_) {
-            linkHandler_(target.toString());
+            // Addresses the program names with its "qf_" prefix are no valid URLs to Qt; the
+            // handler gets them as the page wrote them.
+            linkHandler_(target.isValid() || clickedAnchor_.isEmpty() ? target.toString()
+                                                                      : clickedAnchor_);
         }
     });
     ApplyFont();
@@ -104,6 +108,11 @@ void HtmlView::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QTextBrowser::keyPressEvent(event);
+}
+
+void HtmlView::mouseReleaseEvent(QMouseEvent* event) {
+    clickedAnchor_ = anchorAt(event->position().toPoint());
+    QTextBrowser::mouseReleaseEvent(event);
 }
 
 void HtmlView::keyReleaseEvent(QKeyEvent* event) {

@@ -44,6 +44,7 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     void ApplyFont();
@@ -55,6 +56,8 @@ private:
     bool clearType_ = true;
     ImageSupplier imageSupplier_;
     LinkHandler linkHandler_;
+    // The link under the last mouse release, as the page wrote it.
+    QString clickedAnchor_;
 };
 
 } // namespace qf::ui
