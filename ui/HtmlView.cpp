@@ -1,5 +1,6 @@
 #include "ui/HtmlView.h"
 
+#include "ui/DataFolderFile.h"
 #include "ui/PrivateMessages.h"
 
 #include <QApplication>
@@ -15,6 +16,20 @@ namespace {
 // How much each text size level scales the program's font, smallest to largest.
 constexpr std::array kTextSizeScale = {0.8, 0.9, 1.0, 1.2, 1.45};
 constexpr int kMediumLevel = 2;
+
+bool IsRemote(const QUrl& name) {
+    const QString scheme = name.scheme();
+    return scheme.compare(QLatin1String("http"), Qt::CaseInsensitive) == 0 ||
+           scheme.compare(QLatin1String("https"), Qt::CaseInsensitive) == 0;
+}
+
+// Stands in for a picture that is not there (yet): the document would otherwise draw its own
+// broken-picture sign.
+QVariant EmptyPicture() {
+    QImage image(1, 1, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    return image;
+}
 
 } // namespace
 
@@ -83,14 +98,31 @@ QVariant HtmlView::loadResource(int type, const QUrl& name) {
         return {};
     }
     if (name.isLocalFile()) {
+        if (!IsDataFolderFile(name.toLocalFile())) {
+            return EmptyPicture();
+        }
         QImage image(name.toLocalFile());
-        return image.isNull() ? QVariant() : QVariant(image);
+        return image.isNull() ? EmptyPicture() : QVariant(image);
+    }
+    if (IsRemote(name) && remoteImageSupplier_) {
+        QImage image = remoteImageSupplier_(name);
+        return image.isNull() ? EmptyPicture() : QVariant(image);
     }
     if (name.scheme().isEmpty() && imageSupplier_) {
         QImage image = imageSupplier_(name);
         return image.isNull() ? QVariant() : QVariant(image);
     }
     return {};
+}
+
+void HtmlView::ShowPicture(const QUrl& name, const QImage& image) {
+    const int top = verticalScrollBar()->value();
+    const int left = horizontalScrollBar()->value();
+    document()->addResource(QTextDocument::ImageResource, name, image);
+    // The layout asks for the picture's size again only for text marked as changed.
+    document()->markContentsDirty(0, document()->characterCount());
+    verticalScrollBar()->setValue(top);
+    horizontalScrollBar()->setValue(left);
 }
 
 bool HtmlView::IsStepKey(const QKeyEvent* event) const {

@@ -1,0 +1,99 @@
+#include "ui/StoryPictures.h"
+
+#include "model/ChannelStore.h"
+#include "net/PictureDownloader.h"
+#include "net/PictureFiles.h"
+#include "ui/HtmlView.h"
+#include "ui/PageContexts.h"
+
+#include <QFileInfo>
+#include <QImageReader>
+#include <QScrollBar>
+#include <QTextDocument>
+
+namespace qf::ui {
+
+StoryPictures::StoryPictures(ChannelStore& store, HtmlView& view)
+    : QObject(&view), store_(store), view_(view) {
+    downloader_ = std::make_unique<PictureDownloader>([this](const std::u16string& url,
+                                                             bool saved) {
+        // Runs on a worker: the answer is handed to this object's thread.
+        QMetaObject::invokeMethod(
+            this,
+            [this, address = QString::fromStdU16String(url), saved] { Arrived(address, saved); },
+            Qt::QueuedConnection);
+    });
+    view_.SetRemoteImageSupplier([this](const QUrl& name) { return Supply(name); });
+}
+
+// A child of its view, so the view is already gone here: only the workers are left to stop.
+StoryPictures::~StoryPictures() {
+    downloader_.reset();
+}
+
+void StoryPictures::BeginShowing() {
+    downloader_->DropWaiting();
+    pending_.clear();
+    failed_.clear();
+}
+
+QString StoryPictures::PathOf(const QString& url) const {
+    const std::u16string folder = PageContextFor(store_).dataFolder;
+    if (folder.empty()) {
+        return {};
+    }
+    return QString::fromStdU16String(PicturePath(folder, url.toStdU16String()));
+}
+
+QImage StoryPictures::Supply(const QUrl& name) {
+    if (store_.settings().showImages() == 0) {
+        return {};
+    }
+    const QString url = name.toString(QUrl::FullyEncoded);
+    const QString path = PathOf(url);
+    if (path.isEmpty() || failed_.contains(url) || pending_.contains(url)) {
+        return {};
+    }
+    if (QFileInfo::exists(path)) {
+        QImage image = Load(path);
+        if (image.isNull()) {
+            failed_.insert(url);
+        }
+        return image;
+    }
+    if (downloader_->Request(url.toStdU16String(), path.toStdU16String())) {
+        pending_.emplace(url, name);
+    }
+    return {};
+}
+
+void StoryPictures::Arrived(const QString& url, bool saved) {
+    emit answered(url);
+    const auto asked = pending_.find(url);
+    if (asked == pending_.end()) {
+        // Asked for by a page that is no longer shown.
+        return;
+    }
+    const QUrl name = asked->second;
+    pending_.erase(asked);
+    QImage image = saved ? Load(PathOf(url)) : QImage();
+    if (image.isNull()) {
+        failed_.insert(url);
+        return;
+    }
+    view_.ShowPicture(name, image);
+}
+
+QImage StoryPictures::Load(const QString& path) {
+    QImageReader reader(path);
+    QImage image = reader.read();
+    const int room =
+        view_.viewport()->width() - 2 * static_cast<int>(view_.document()->documentMargin());
+    // A picture wider than the view would push the text sideways when lines are fitted to it.
+    if (!image.isNull() && view_.fitToScreen() && room > 0 && image.width() > room) {
+        image = image.scaledToWidth(room, Qt::SmoothTransformation);
+    }
+    return image;
+}
+
+} // namespace qf::ui
