@@ -115,14 +115,11 @@ QVariant HtmlView::loadResource(int type, const QUrl& name) {
     return {};
 }
 
+// Unlike a new page, the changed layout leaves the scroll bars where the reader put them.
 void HtmlView::ShowPicture(const QUrl& name, const QImage& image) {
-    const int top = verticalScrollBar()->value();
-    const int left = horizontalScrollBar()->value();
     document()->addResource(QTextDocument::ImageResource, name, image);
     // The layout asks for the picture's size again only for text marked as changed.
     document()->markContentsDirty(0, document()->characterCount());
-    verticalScrollBar()->setValue(top);
-    horizontalScrollBar()->setValue(left);
 }
 
 bool HtmlView::IsStepKey(const QKeyEvent* event) const {

@@ -15,6 +15,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QImage>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTextDocument>
 
@@ -52,11 +53,15 @@ protected:
         channel = app().store().DefaultCategory().ChannelAt(0);
     }
 
-    // A story of the channel whose body shows the pictures at `paths` of the server.
-    NewsItem* Story(std::initializer_list<const char*> paths) {
+    // A story of the channel whose body shows the pictures at `paths` of the server, followed
+    // by `paragraphs` of text.
+    NewsItem* Story(std::initializer_list<const char*> paths, int paragraphs = 0) {
         std::u16string body = u"<p>Words before the pictures.</p>";
         for (const char* path : paths) {
             body += u"<img src=\"" + server.url(path) + u"\">";
+        }
+        for (int i = 0; i < paragraphs; ++i) {
+            body += u"<p>More words after the pictures.</p>";
         }
         auto item = std::make_unique<NewsItem>();
         item->SetTitle(WString(u"Story"));
@@ -105,6 +110,16 @@ TEST_F(StoryPicturesTest, PictureIsFetchedOnceShownAndKeptForTheNextShowing) {
     Show(story);
     EXPECT_EQ(Shown("/pic.png").size(), kPictureSize);
     EXPECT_EQ(server.hits("/pic.png"), 1);
+}
+
+TEST_F(StoryPicturesTest, PictureArrivingAboveTheReaderKeepsTheScrollPosition) {
+    Show(Story({"/pic.png"}, 200));
+    QScrollBar* bar = view()->verticalScrollBar();
+    ASSERT_GT(bar->maximum(), 1000);
+    bar->setValue(1000);
+    ASSERT_TRUE(WaitFor([&] { return Shown("/pic.png").size() == kPictureSize; }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(bar->value(), 1000);
 }
 
 TEST_F(StoryPicturesTest, WithShowImagesOffNothingIsRequestedNorShown) {
