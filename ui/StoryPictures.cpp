@@ -8,7 +8,6 @@
 
 #include <QFileInfo>
 #include <QImageReader>
-#include <QScrollBar>
 #include <QTextDocument>
 
 namespace qf::ui {

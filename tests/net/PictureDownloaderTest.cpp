@@ -62,19 +62,11 @@ private:
 
 class PictureDownloaderTest : public ::testing::Test {
 protected:
-    std::u16string PathOf(const std::u16string& url) { return PicturePath(FromFsPath(dir.path()), url); }
+    std::u16string PathOf(const std::u16string& url) {
+        return PicturePath(FromFsPath(dir.path()), url);
+    }
     bool OnDisk(const std::u16string& url) {
         return std::filesystem::exists(ToFsPath(PathOf(url)));
-    }
-    // Asks the server until `path` was requested; each question is a round trip to the server.
-    bool Requested(const std::string& path) {
-        const auto deadline = std::chrono::steady_clock::now() + 10s;
-        while (server.hits(path) == 0) {
-            if (std::chrono::steady_clock::now() > deadline) {
-                return false;
-            }
-        }
-        return true;
     }
 
     test::TempDir dir;
@@ -111,41 +103,6 @@ TEST_F(PictureDownloaderTest, GoodPictureIsSavedWholeAndFailuresLeaveNoFile) {
     for (const auto& entry : std::filesystem::directory_iterator(dir.path() / "Images")) {
         EXPECT_EQ(entry.path().extension(), "") << entry.path();
     }
-}
-
-TEST_F(PictureDownloaderTest, OnlyHttpAddressesAreTakenAndEachOnce) {
-    server.addRoute({.path = "/a.png", .body = "a"});
-    PictureDownloader downloader(reports.Sink());
-    EXPECT_FALSE(downloader.Request(u"file:///etc/hostname", PathOf(u"file:///etc/hostname")));
-    EXPECT_FALSE(downloader.Request(u"ftp://127.0.0.1/a.png", PathOf(u"ftp://127.0.0.1/a.png")));
-    const std::u16string url = server.url("/a.png");
-    for (int i = 0; i < 5; ++i) {
-        EXPECT_TRUE(downloader.Request(url, PathOf(url)));
-    }
-    ASSERT_TRUE(reports.WaitFor(1));
-    EXPECT_TRUE(reports.Saved(url));
-    EXPECT_LE(server.hits("/a.png"), 2);
-}
-
-TEST_F(PictureDownloaderTest, ClosingCutsOffServersThatNeverFinish) {
-    server.addRoute({.path = "/silent.png", .mode = Route::Body::Silent});
-    server.addRoute({.path = "/endless.png", .mode = Route::Body::Endless});
-    server.addRoute({.path = "/queued.png", .body = "q"});
-    PictureLimits limits;
-    limits.workers = 2;
-    limits.maxBytes = int64_t{1} << 40;
-    limits.timeout = 60s;
-    auto downloader = std::make_unique<PictureDownloader>(reports.Sink(), limits);
-    for (const auto* path : {"/silent.png", "/endless.png", "/queued.png"}) {
-        downloader->Request(server.url(path), PathOf(server.url(path)));
-    }
-    ASSERT_TRUE(Requested("/endless.png"));
-    ASSERT_TRUE(Requested("/silent.png"));
-    const auto start = std::chrono::steady_clock::now();
-    downloader.reset();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
-    EXPECT_EQ(server.hits("/queued.png"), 0);
-    EXPECT_FALSE(OnDisk(server.url("/endless.png")));
 }
 
 } // namespace
