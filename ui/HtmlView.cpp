@@ -93,24 +93,26 @@ void HtmlView::ApplyFont() {
     setFont(font);
 }
 
+// Whatever gets no answer here the document goes and reads by itself, local files and the
+// toolkit's own resources included; so every request is answered, if only with nothing.
 QVariant HtmlView::loadResource(int type, const QUrl& name) {
     if (type != QTextDocument::ImageResource) {
-        return {};
+        return QByteArray();
     }
+    const QImage image = PictureFor(name);
+    return image.isNull() ? EmptyPicture() : QVariant(image);
+}
+
+QImage HtmlView::PictureFor(const QUrl& name) const {
     if (name.isLocalFile()) {
-        if (!IsDataFolderFile(name.toLocalFile())) {
-            return EmptyPicture();
-        }
-        QImage image(name.toLocalFile());
-        return image.isNull() ? EmptyPicture() : QVariant(image);
+        const QString path = name.toLocalFile();
+        return IsDataFolderFile(path) ? QImage(path) : QImage();
     }
-    if (IsRemote(name) && remoteImageSupplier_) {
-        QImage image = remoteImageSupplier_(name);
-        return image.isNull() ? EmptyPicture() : QVariant(image);
+    if (IsRemote(name)) {
+        return remoteImageSupplier_ ? remoteImageSupplier_(name) : QImage();
     }
     if (name.scheme().isEmpty() && imageSupplier_) {
-        QImage image = imageSupplier_(name);
-        return image.isNull() ? QVariant() : QVariant(image);
+        return imageSupplier_(name);
     }
     return {};
 }

@@ -55,6 +55,7 @@ protected:
 private:
     void ApplyFont();
     bool IsStepKey(const QKeyEvent* event) const;
+    QImage PictureFor(const QUrl& name) const;
 
     QObject* frame_;
     int screenControl_;
