@@ -31,6 +31,7 @@ StoryPictures::~StoryPictures() {
 }
 
 void StoryPictures::BeginShowing() {
+    ++showing_;
     downloader_->DropWaiting();
     pending_.clear();
     failed_.clear();
@@ -54,11 +55,17 @@ QImage StoryPictures::Supply(const QUrl& name) {
         return {};
     }
     if (QFileInfo::exists(path)) {
-        QImage image = Load(path);
-        if (image.isNull()) {
-            failed_.insert(url);
-        }
-        return image;
+        // Shown once the layout that asks is over: putting it in may change the page's text.
+        QMetaObject::invokeMethod(
+            this,
+            [this, url, name, path, showing = showing_] {
+                if (showing == showing_) {
+                    Show(url, name, Load(path));
+                }
+            },
+            Qt::QueuedConnection);
+        pending_.emplace(url, name);
+        return {};
     }
     if (downloader_->Request(url.toStdU16String(), path.toStdU16String())) {
         pending_.emplace(url, name);
@@ -73,9 +80,12 @@ void StoryPictures::Arrived(const QString& url, bool saved) {
         // Asked for by a page that is no longer shown.
         return;
     }
-    const QUrl name = asked->second;
-    pending_.erase(asked);
-    QImage image = saved ? Load(PathOf(url)) : QImage();
+    Show(url, asked->second, saved ? Load(PathOf(url)) : QImage());
+}
+
+// `name` is a copy: it may come from the entry that is erased here.
+void StoryPictures::Show(const QString& url, QUrl name, const QImage& image) {
+    pending_.erase(url);
     if (image.isNull()) {
         failed_.insert(url);
         return;

@@ -43,6 +43,7 @@ signals:
 private:
     QImage Supply(const QUrl& name);
     void Arrived(const QString& url, bool saved);
+    void Show(const QString& url, QUrl name, const QImage& image);
     QImage Load(const QString& path);
     QString PathOf(const QString& url) const;
 
@@ -51,6 +52,8 @@ private:
     // The address asked for, and the name the page gave it.
     std::map<QString, QUrl> pending_;
     std::set<QString> failed_;
+    // Counts the showings, so that a picture put off for one is not put into the next.
+    int showing_ = 0;
     std::unique_ptr<PictureDownloader> downloader_;
 };
 

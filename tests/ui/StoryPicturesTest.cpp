@@ -16,14 +16,18 @@
 #include <QImage>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QTextDocument>
+#include <QTextLayout>
 
 namespace qf::ui::test {
 namespace {
 
 using qf::test::Route;
 
-constexpr QSize kPictureSize{40, 30};
+// Wider than half the line, too wide to share it with the words before it.
+constexpr QSize kPictureSize{400, 60};
 
 std::string PngBytes(QColor color) {
     QImage image(kPictureSize, QImage::Format_RGB32);
@@ -109,6 +113,9 @@ TEST_F(StoryPicturesTest, PictureIsFetchedOnceShownAndKeptForTheNextShowing) {
     EXPECT_EQ(Shown("/pic.png").pixelColor(0, 0), QColor(Qt::red));
     EXPECT_EQ(bar->value(), 1000);
     EXPECT_TRUE(Kept("/pic.png"));
+    view()->document()->pageCount();
+    const QTextBlock words = view()->document()->find(QStringLiteral("Words before")).block();
+    EXPECT_LT(words.layout()->lineAt(0).height(), kPictureSize.height() / 2);
 
     Show(Story({}));
     Show(story);
