@@ -6,11 +6,8 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
-#include <QTextBlock>
-#include <QTextCursor>
 #include <QTextDocument>
 #include <array>
-#include <vector>
 
 namespace qf::ui {
 
@@ -32,34 +29,6 @@ QVariant EmptyPicture() {
     QImage image(1, 1, QImage::Format_ARGB32);
     image.fill(Qt::transparent);
     return image;
-}
-
-// A picture too wide to share a line with the text before it moves to the next line, but the
-// toolkit still gives the line it left the picture's whole height, with the text floating in
-// the middle. A line break before such a picture keeps the text's line as high as the text.
-void BreakBeforePicture(QTextDocument& document, const QUrl& name) {
-    std::vector<int> positions;
-    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-        for (auto it = block.begin(); !it.atEnd(); ++it) {
-            const QTextFragment fragment = it.fragment();
-            const QTextCharFormat format = fragment.charFormat();
-            if (!format.isImageFormat() || QUrl(format.toImageFormat().name()) != name) {
-                continue;
-            }
-            // Pictures side by side share one fragment, one character each.
-            for (int at = fragment.position(); at < fragment.position() + fragment.length(); ++at) {
-                if (at > block.position() && document.characterAt(at - 1) != QChar::LineSeparator) {
-                    positions.push_back(at);
-                }
-            }
-        }
-    }
-    QTextCursor cursor(&document);
-    // From the end, so that the positions still to come stay where they are.
-    for (auto at = positions.rbegin(); at != positions.rend(); ++at) {
-        cursor.setPosition(*at);
-        cursor.insertText(QString(QChar::LineSeparator));
-    }
 }
 
 } // namespace
@@ -150,10 +119,6 @@ QImage HtmlView::PictureFor(const QUrl& name) const {
 
 // Unlike a new page, the changed layout leaves the scroll bars where the reader put them.
 void HtmlView::ShowPicture(const QUrl& name, const QImage& image) {
-    const qreal lineWidth = document()->textWidth();
-    if (lineWidth > 0 && image.width() > lineWidth / 2) {
-        BreakBeforePicture(*document(), name);
-    }
     document()->addResource(QTextDocument::ImageResource, name, image);
     // The layout asks for the picture's size again only for text marked as changed.
     document()->markContentsDirty(0, document()->characterCount());

@@ -8,9 +8,44 @@
 
 #include <QFileInfo>
 #include <QImageReader>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QTextDocument>
+#include <vector>
 
 namespace qf::ui {
+
+namespace {
+
+// A picture too wide to share a line with the text before it moves to the next line, but the
+// toolkit still gives the line it left the picture's whole height, with the text floating in
+// the middle. A line break before such a picture keeps the text's line as high as the text.
+void BreakBeforePicture(QTextDocument& document, const QUrl& name) {
+    std::vector<int> positions;
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            const QTextCharFormat format = fragment.charFormat();
+            if (!format.isImageFormat() || QUrl(format.toImageFormat().name()) != name) {
+                continue;
+            }
+            // Pictures side by side share one fragment, one character each.
+            for (int at = fragment.position(); at < fragment.position() + fragment.length(); ++at) {
+                if (at > block.position() && document.characterAt(at - 1) != QChar::LineSeparator) {
+                    positions.push_back(at);
+                }
+            }
+        }
+    }
+    QTextCursor cursor(&document);
+    // From the end, so that the positions still to come stay where they are.
+    for (auto at = positions.rbegin(); at != positions.rend(); ++at) {
+        cursor.setPosition(*at);
+        cursor.insertText(QString(QChar::LineSeparator));
+    }
+}
+
+} // namespace
 
 StoryPictures::StoryPictures(ChannelStore& store, HtmlView& view)
     : QObject(&view), store_(store), view_(view) {
@@ -89,6 +124,10 @@ void StoryPictures::Show(const QString& url, QUrl name, const QImage& image) {
     if (image.isNull()) {
         failed_.insert(url);
         return;
+    }
+    QTextDocument& document = *view_.document();
+    if (document.textWidth() > 0 && image.width() > document.textWidth() / 2) {
+        BreakBeforePicture(document, name);
     }
     view_.ShowPicture(name, image);
 }
