@@ -17,6 +17,11 @@ namespace qf::ui {
 
 namespace {
 
+// A few megabytes of compressed data can unpack into gigabytes; a picture that would need more
+// memory than this (a 4096 by 4096 picture with transparency) is not shown. The limit holds for
+// every picture the program reads, and none of its own comes near it.
+constexpr int kMaxDecodedMegabytes = 64;
+
 // A picture too wide to share a line with the text before it moves to the next line, but the
 // toolkit still gives the line it left the picture's whole height, with the text floating in
 // the middle. A line break before such a picture keeps the text's line as high as the text.
@@ -58,6 +63,7 @@ StoryPictures::StoryPictures(ChannelStore& store, HtmlView& view)
             Qt::QueuedConnection);
     });
     view_.SetRemoteImageSupplier([this](const QUrl& name) { return Supply(name); });
+    QImageReader::setAllocationLimit(kMaxDecodedMegabytes);
 }
 
 // A child of its view, so the view is already gone here: only the workers are left to stop.
