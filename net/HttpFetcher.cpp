@@ -65,7 +65,9 @@ public:
 
     bool OnHead(const ResponseHead& head) override;
     bool OnBlock(std::string_view block) override;
-    bool ShouldStop() override { return file_ != nullptr && StopFlagSet(); }
+    bool ShouldStop() override {
+        return (file_ != nullptr && StopFlagSet()) || IsSet(settings_.cancelRequested);
+    }
 
     // Closes the file and reports the final total, when a body was being saved.
     void Finish();
@@ -74,11 +76,12 @@ public:
     const std::u16string& entityTag() const { return entityTag_; }
 
 private:
+    static bool IsSet(const std::atomic<int32_t>* flag) {
+        return flag != nullptr && flag->load() != 0;
+    }
     bool StopFlagSet() const {
-        const auto isSet = [](const std::atomic<int32_t>* flag) {
-            return flag != nullptr && flag->load() != 0;
-        };
-        return isSet(settings_.stopRequested) || isSet(settings_.abortRequested);
+        return IsSet(settings_.stopRequested) || IsSet(settings_.abortRequested) ||
+               IsSet(settings_.cancelRequested);
     }
     void Report(int32_t stage) {
         if (progress_) {

@@ -42,6 +42,9 @@ struct FetchSettings {
     // block once either is set; what was saved stays and the download counts as done.
     const std::atomic<int32_t>* stopRequested = nullptr;
     const std::atomic<int32_t>* abortRequested = nullptr;
+    // Not owned, may be null. Once set, the request ends at its next progress check (about once
+    // a second), whether it is still connecting, waiting for its answer or saving the body.
+    const std::atomic<int32_t>* cancelRequested = nullptr;
 };
 
 // Copies one web resource into a local file with a GET request. Redirects are followed here, at

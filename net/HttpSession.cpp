@@ -50,7 +50,7 @@ public:
 
     bool HeaderLine(std::string_view line);
     bool BodyBlock(std::string_view block) { return !headComplete_ || receiver_.OnBlock(block); }
-    bool ShouldStop() { return headComplete_ && receiver_.ShouldStop(); }
+    bool ShouldStop() { return receiver_.ShouldStop(); }
 
     bool headComplete() const { return headComplete_; }
     std::exception_ptr& raised() { return raised_; }

@@ -43,7 +43,8 @@ public:
     virtual bool OnHead(const ResponseHead& head) = 0;
     // The next block of the body. False ends the transfer.
     virtual bool OnBlock(std::string_view block) = 0;
-    // Asked now and then while the body waits for its next block; true ends the transfer.
+    // Asked now and then while the transfer runs, also before the answer's head has come; true
+    // ends the transfer.
     virtual bool ShouldStop() = 0;
 };
 

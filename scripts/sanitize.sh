@@ -10,5 +10,5 @@ dir="$QF_ROOT/build-${sanitizers//,/-}"
 qf_build "$dir" -DCMAKE_BUILD_TYPE=Debug "-DQF_SANITIZE=$sanitizers"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:strict_string_checks=1:detect_stack_use_after_return=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1
+export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1:suppressions=$QF_ROOT/tests/support/tsan-qt.supp
 ctest --test-dir "$dir" --output-on-failure -j "$(nproc)" "$@"

@@ -1,5 +1,6 @@
 #include "ui/HtmlView.h"
 
+#include "ui/DataFolderFile.h"
 #include "ui/PrivateMessages.h"
 
 #include <QApplication>
@@ -16,6 +17,20 @@ namespace {
 // How much each text size level scales the program's font, smallest to largest.
 constexpr std::array kTextSizeScale = {0.8, 0.9, 1.0, 1.2, 1.45};
 constexpr int kMediumLevel = 2;
+
+bool IsRemote(const QUrl& name) {
+    const QString scheme = name.scheme();
+    return scheme.compare(QLatin1String("http"), Qt::CaseInsensitive) == 0 ||
+           scheme.compare(QLatin1String("https"), Qt::CaseInsensitive) == 0;
+}
+
+// Stands in for a picture that is not there (yet): the document would otherwise draw its own
+// broken-picture sign.
+QVariant EmptyPicture() {
+    QImage image(1, 1, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    return image;
+}
 
 } // namespace
 
@@ -82,19 +97,35 @@ void HtmlView::ApplyFont() {
     setFont(font);
 }
 
+// Whatever gets no answer here the document goes and reads by itself, local files and the
+// toolkit's own resources included; so every request is answered, if only with nothing.
 QVariant HtmlView::loadResource(int type, const QUrl& name) {
     if (type != QTextDocument::ImageResource) {
-        return {};
+        return QByteArray();
     }
+    const QImage image = PictureFor(name);
+    return image.isNull() ? EmptyPicture() : QVariant(image);
+}
+
+QImage HtmlView::PictureFor(const QUrl& name) const {
     if (name.isLocalFile()) {
-        QImage image(name.toLocalFile());
-        return image.isNull() ? QVariant() : QVariant(image);
+        const QString path = name.toLocalFile();
+        return IsDataFolderFile(path) ? QImage(path) : QImage();
+    }
+    if (IsRemote(name)) {
+        return remoteImageSupplier_ ? remoteImageSupplier_(name) : QImage();
     }
     if (name.scheme().isEmpty() && imageSupplier_) {
-        QImage image = imageSupplier_(name);
-        return image.isNull() ? QVariant() : QVariant(image);
+        return imageSupplier_(name);
     }
     return {};
+}
+
+// Unlike a new page, the changed layout leaves the scroll bars where the reader put them.
+void HtmlView::ShowPicture(const QUrl& name, const QImage& image) {
+    document()->addResource(QTextDocument::ImageResource, name, image);
+    // The layout asks for the picture's size again only for text marked as changed.
+    document()->markContentsDirty(0, document()->characterCount());
 }
 
 bool HtmlView::IsStepKey(const QKeyEvent* event) const {

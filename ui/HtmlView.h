@@ -9,10 +9,11 @@
 namespace qf::ui {
 
 // The view that shows the program's generated pages: a whole page at once, scrolled to its top,
-// pictures only from local files (or from the screen that owns the view), text size levels 0..4,
+// pictures only from the program's own files in the data folder or from the screen that owns the
+// view (which may fetch http(s) pictures in the background), text size levels 0..4,
 // antialiased text on or off, and lines wrapped to the view's width or scrolled sideways. It never
-// reaches the network and never runs a script. Left and Right released while the page needs no
-// sideways scrolling become previous and next requests to the frame; activated links are handed
+// reaches the network itself and never runs a script. Left and Right released while the page needs
+// no sideways scrolling become previous and next requests to the frame; activated links are handed
 // to the link handler.
 class HtmlView : public QTextBrowser {
     Q_OBJECT
@@ -34,6 +35,12 @@ public:
 
     void SetImageSupplier(ImageSupplier supplier) { imageSupplier_ = std::move(supplier); }
     void SetLinkHandler(LinkHandler handler) { linkHandler_ = std::move(handler); }
+    // Supplies a picture named by an http(s) address; a null image leaves its place empty.
+    void SetRemoteImageSupplier(ImageSupplier supplier) {
+        remoteImageSupplier_ = std::move(supplier);
+    }
+    // Puts a picture that arrived after its page into the page, keeping the scroll position.
+    void ShowPicture(const QUrl& name, const QImage& image);
 
     int textSizeLevel() const { return textSize_; }
     bool clearType() const { return clearType_; }
@@ -49,12 +56,14 @@ protected:
 private:
     void ApplyFont();
     bool IsStepKey(const QKeyEvent* event) const;
+    QImage PictureFor(const QUrl& name) const;
 
     QObject* frame_;
     int screenControl_;
     int textSize_ = 2;
     bool clearType_ = true;
     ImageSupplier imageSupplier_;
+    ImageSupplier remoteImageSupplier_;
     LinkHandler linkHandler_;
     // The link under the last mouse release, as the page wrote it.
     QString clickedAnchor_;

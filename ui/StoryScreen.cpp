@@ -6,12 +6,13 @@
 #include "ui/HtmlView.h"
 #include "ui/PageContexts.h"
 #include "ui/ProgressBar.h"
+#include "ui/StoryPictures.h"
 
 namespace qf::ui {
 
 StoryScreen::StoryScreen(QObject* frame, ChannelStore& store, QWidget* parent)
     : QWidget(parent), store_(store), view_(new HtmlView(frame, kCtlStoryView, this)),
-      progress_(new ProgressBar(store, this)) {
+      progress_(new ProgressBar(store, this)), pictures_(new StoryPictures(store, *view_)) {
     setObjectName(QStringLiteral("QFRssItemWnd"));
     view_->setObjectName(QString::number(kCtlStoryView));
     progress_->hide();
@@ -24,12 +25,14 @@ void StoryScreen::ShowStory(Channel* channel, NewsItem* item) {
     }
     channel_ = channel;
     item_ = item;
+    pictures_->BeginShowing();
     view_->SetPage(BuildStoryPage(*channel, *item, PageContextFor(store_)), true);
 }
 
 void StoryScreen::Forget() {
     channel_ = nullptr;
     item_ = nullptr;
+    pictures_->BeginShowing();
     view_->SetPage(std::nullopt, true);
 }
 

@@ -12,6 +12,7 @@ namespace qf::ui {
 
 class HtmlView;
 class ProgressBar;
+class StoryPictures;
 
 // One story as its page in an HTML view, with the progress control while a refresh runs.
 class StoryScreen : public QWidget {
@@ -29,6 +30,7 @@ public:
 
     HtmlView* view() const { return view_; }
     ProgressBar* progress() const { return progress_; }
+    StoryPictures* pictures() const { return pictures_; }
     void ShowProgress(bool shown);
 
 protected:
@@ -42,6 +44,7 @@ private:
     NewsItem* item_ = nullptr;
     HtmlView* view_;
     ProgressBar* progress_;
+    StoryPictures* pictures_;
 };
 
 } // namespace qf::ui

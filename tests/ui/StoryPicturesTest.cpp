@@ -1,0 +1,208 @@
+#include "ui/StoryPictures.h"
+
+#include "UiFixture.h"
+#include "model/Category.h"
+#include "model/Channel.h"
+#include "net/PictureFiles.h"
+#include "platform/AtomicFile.h"
+#include "support/TestServer.h"
+#include "ui/HtmlView.h"
+#include "ui/MainWindow.h"
+#include "ui/StoryScreen.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QTextLayout>
+
+namespace qf::ui::test {
+namespace {
+
+using qf::test::Route;
+
+// Wider than half the line, too wide to share it with the words before it.
+constexpr QSize kPictureSize{400, 60};
+
+std::string PngBytes(QColor color) {
+    QImage image(kPictureSize, QImage::Format_RGB32);
+    image.fill(color);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes.toStdString();
+}
+
+// The story screen over a channel whose stories name pictures on a local server.
+class StoryPicturesTest : public UiFixture {
+protected:
+    StoryPicturesTest() {
+        server.addRoute({.path = "/pic.png", .body = PngBytes(Qt::red)});
+        server.addRoute({.path = "/missing.png", .status = 404, .body = "gone"});
+        server.addRoute({.path = "/garbage.png", .body = "not a picture at all"});
+        server.addRoute({.path = "/hangs.png", .mode = Route::Body::Silent});
+        WriteStore(
+            [](ChannelStore& store) { AddTestChannel(store.DefaultCategory(), u"C", 0, 0); });
+        StartApp();
+        app().mainWindow()->resize(480, 800);
+        app().mainWindow()->show();
+        app().SetScreen(kStoryScreen);
+        channel = app().store().DefaultCategory().ChannelAt(0);
+    }
+
+    // A story of the channel whose body shows the pictures at `paths` of the server, followed
+    // by `paragraphs` of text.
+    NewsItem* Story(std::initializer_list<const char*> paths, int paragraphs = 0) {
+        std::u16string body = u"<p>Words before the pictures.</p>";
+        for (const char* path : paths) {
+            body += u"<img src=\"" + server.url(path) + u"\">";
+        }
+        for (int i = 0; i < paragraphs; ++i) {
+            body += u"<p>More words after the pictures.</p>";
+        }
+        auto item = std::make_unique<NewsItem>();
+        item->SetTitle(WString(u"Story"));
+        item->SetDescription(WString(body));
+        NewsItem* story = item.get();
+        channel->AddItem(std::move(item));
+        return story;
+    }
+
+    // Shows the story and lays its page out, which is when the view asks for its pictures.
+    void Show(NewsItem* story) {
+        screen()->ShowStory(channel, story);
+        view()->document()->pageCount();
+        QCoreApplication::processEvents();
+    }
+
+    // The picture the page holds for `path`; the view is asked for it when the page has none.
+    QImage Shown(const char* path) {
+        return view()
+            ->document()
+            ->resource(QTextDocument::ImageResource, QUrl(url(path)))
+            .value<QImage>();
+    }
+    QString url(const char* path) { return QString::fromStdU16String(server.url(path)); }
+    bool Kept(const char* path) {
+        return std::filesystem::exists(
+            ToFsPath(PicturePath(FromFsPath(DataFolder()), server.url(path))));
+    }
+
+    StoryScreen* screen() { return app().storyScreen(); }
+    HtmlView* view() { return screen()->view(); }
+    bool Settled() { return screen()->pictures()->pending() == 0; }
+
+    qf::test::TestServer server;
+    Channel* channel = nullptr;
+};
+
+TEST_F(StoryPicturesTest, PictureIsFetchedOnceShownAndKeptForTheNextShowing) {
+    NewsItem* story = Story({"/pic.png"}, 200);
+    Show(story);
+    // The picture arrives above where the reader went, who stays there.
+    QScrollBar* bar = view()->verticalScrollBar();
+    ASSERT_GT(bar->maximum(), 1000);
+    bar->setValue(1000);
+    ASSERT_TRUE(WaitFor([&] { return Shown("/pic.png").size() == kPictureSize; }));
+    EXPECT_EQ(Shown("/pic.png").pixelColor(0, 0), QColor(Qt::red));
+    EXPECT_EQ(bar->value(), 1000);
+    EXPECT_TRUE(Kept("/pic.png"));
+    view()->document()->pageCount();
+    const QTextBlock words = view()->document()->find(QStringLiteral("Words before")).block();
+    EXPECT_LT(words.layout()->lineAt(0).height(), kPictureSize.height() / 2);
+
+    Show(Story({}));
+    Show(story);
+    EXPECT_EQ(Shown("/pic.png").size(), kPictureSize);
+    EXPECT_EQ(server.hits("/pic.png"), 1);
+}
+
+TEST_F(StoryPicturesTest, WithShowImagesOffNothingIsRequestedNorShown) {
+    app().store().settings().SetShowImages(0);
+    Show(Story({"/pic.png", "/missing.png"}));
+    EXPECT_TRUE(Settled());
+    EXPECT_EQ(server.hits("/pic.png"), 0);
+    EXPECT_EQ(server.hits("/missing.png"), 0);
+
+    // A picture kept from earlier stays hidden as well.
+    app().store().settings().SetShowImages(1);
+    Show(Story({"/pic.png"}));
+    ASSERT_TRUE(WaitFor([&] { return Settled() && Kept("/pic.png"); }));
+    app().store().settings().SetShowImages(0);
+    Show(Story({"/pic.png"}));
+    EXPECT_LE(Shown("/pic.png").width(), 1);
+    EXPECT_EQ(server.hits("/pic.png"), 1);
+}
+
+TEST_F(StoryPicturesTest, FailedPicturesStayEmptyAndAreNotAskedForAgainInTheSameShowing) {
+    Show(Story({"/missing.png", "/garbage.png", "/pic.png"}));
+    ASSERT_TRUE(WaitFor([&] { return Settled() && Shown("/pic.png").size() == kPictureSize; }));
+    // Laying the page out again asks the view for every picture once more.
+    view()->document()->markContentsDirty(0, view()->document()->characterCount());
+    view()->resize(view()->width() - 20, view()->height());
+    view()->document()->pageCount();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(Settled());
+    EXPECT_LE(Shown("/missing.png").width(), 1);
+    EXPECT_LE(Shown("/garbage.png").width(), 1);
+    EXPECT_EQ(server.hits("/missing.png"), 1);
+    EXPECT_EQ(server.hits("/garbage.png"), 1);
+    EXPECT_FALSE(Kept("/missing.png"));
+}
+
+TEST_F(StoryPicturesTest, PictureOfAStoryLeftBehindDoesNotReachTheNextOne) {
+    Show(Story({"/pic.png"}));
+    // Asks the server only, so that no answer can be handed to the screen meanwhile.
+    while (server.hits("/pic.png") == 0) {
+    }
+    QSignalSpy answers(screen()->pictures(), &StoryPictures::answered);
+    Show(Story({}));
+    ASSERT_TRUE(WaitFor([&] { return answers.size() == 1; }));
+    EXPECT_TRUE(Kept("/pic.png"));
+    EXPECT_TRUE(Settled());
+    // With the option off the view has nothing to give but what was put into the page.
+    app().store().settings().SetShowImages(0);
+    EXPECT_LE(Shown("/pic.png").width(), 1);
+}
+
+TEST_F(StoryPicturesTest, QuittingWhileAPictureHangsEndsPromptly) {
+    Show(Story({"/hangs.png"}));
+    ASSERT_TRUE(WaitFor([&] { return server.hits("/hangs.png") == 1; }));
+    QElapsedTimer timer;
+    timer.start();
+    QuitApp();
+    EXPECT_LT(timer.elapsed(), 5000);
+}
+
+TEST_F(StoryPicturesTest, LocalFilesShowOnlyFromTheDataFolder) {
+    const std::string png = PngBytes(Qt::blue);
+    qf::test::WriteFileBytes(dir_ / "outside.png", png);
+    std::filesystem::create_directories(DataFolder());
+    qf::test::WriteFileBytes(DataFolder() / "inside.png", png);
+    std::filesystem::create_symlink(dir_ / "outside.png", DataFolder() / "link.png");
+    const auto shown = [&](const std::filesystem::path& path, const QString& prefix) {
+        const QUrl name(prefix + QString::fromStdString(path.string()));
+        return view()->document()->resource(QTextDocument::ImageResource, name).value<QImage>();
+    };
+    const QString file = QStringLiteral("file://");
+    EXPECT_EQ(shown(DataFolder() / "inside.png", file).size(), kPictureSize);
+    EXPECT_LE(shown(dir_ / "outside.png", file).width(), 1);
+    EXPECT_LE(shown(dir_ / "outside.png", QString()).width(), 1);
+    EXPECT_LE(shown(DataFolder() / ".." / ".." / "outside.png", file).width(), 1);
+    EXPECT_LE(shown(DataFolder() / "link.png", file).width(), 1);
+    EXPECT_TRUE(view()
+                    ->document()
+                    ->resource(QTextDocument::StyleSheetResource, QUrl(url("/pic.png")))
+                    .toByteArray()
+                    .isEmpty());
+    EXPECT_EQ(server.hits("/pic.png"), 0);
+}
+
+} // namespace
+} // namespace qf::ui::test
