@@ -10,6 +10,7 @@
 #include "ui/HtmlView.h"
 #include "ui/MainWindow.h"
 #include "ui/MenuTables.h"
+#include "ui/QtText.h"
 #include "ui/SoftKeyBar.h"
 #include "ui/StoryScreen.h"
 #include "ui/WaitCursor.h"
@@ -48,10 +49,6 @@ UserDialogs WithDefaults(UserDialogs dialogs) {
         dialogs.open = [](const QUrl& address) { return QDesktopServices::openUrl(address); };
     }
     return dialogs;
-}
-
-QString ToQString(std::u16string_view text) {
-    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include "ui/HelpPage.h"
 #include "ui/HtmlView.h"
 #include "ui/MainWindow.h"
+#include "ui/QtText.h"
 #include "ui/StoryScreen.h"
 #include "ui/WaitCursor.h"
 #include "ui/WelcomeScreen.h"
@@ -34,10 +35,6 @@ int TextSizeOf(int command) {
     default:
         return 2;
     }
-}
-
-QString ToQString(std::u16string_view text) {
-    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "model/Channel.h"
 #include "ui/DialogParts.h"
+#include "ui/QtText.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -9,14 +10,6 @@
 #include <QVBoxLayout>
 
 namespace qf::ui {
-
-namespace {
-
-QString ToQString(std::u16string_view text) {
-    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-} // namespace
 
 ChannelPropertiesDialog::ChannelPropertiesDialog(Channel& channel, QWidget* parent)
     : QDialog(parent), channel_(channel), address_(new QLineEdit(this)),

@@ -9,6 +9,7 @@
 #include "ui/PageContexts.h"
 #include "ui/PrivateMessages.h"
 #include "ui/ProgressBar.h"
+#include "ui/RowList.h"
 
 #include <QKeyEvent>
 #include <QListView>
@@ -26,12 +27,7 @@ ChannelScreen::ChannelScreen(QObject* frame, ChannelStore& store, DeviceFamily f
     banner_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     banner_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     banner_->setFocusPolicy(Qt::NoFocus);
-    list_->setModel(model_);
-    list_->setItemDelegate(delegate_);
-    list_->setUniformItemSizes(true);
-    list_->setSelectionMode(QAbstractItemView::SingleSelection);
-    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list_->setFrameShape(QFrame::NoFrame);
+    SetUpRowList(list_, model_, delegate_);
     list_->installEventFilter(this);
     progress_->hide();
     setFocusProxy(list_);

@@ -6,6 +6,7 @@
 #include "ui/CommandIds.h"
 #include "ui/PrivateMessages.h"
 #include "ui/ProgressBar.h"
+#include "ui/RowList.h"
 
 #include <QKeyEvent>
 #include <QListView>
@@ -26,12 +27,7 @@ ChannelsScreen::ChannelsScreen(QObject* frame, ChannelStore& store, DeviceFamily
       progress_(new ProgressBar(store, this)) {
     setObjectName(QStringLiteral("QFCategoryWnd"));
     list_->setObjectName(QString::number(kCtlChannelList));
-    list_->setModel(model_);
-    list_->setItemDelegate(delegate_);
-    list_->setUniformItemSizes(true);
-    list_->setSelectionMode(QAbstractItemView::SingleSelection);
-    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list_->setFrameShape(QFrame::NoFrame);
+    SetUpRowList(list_, model_, delegate_);
     list_->setContextMenuPolicy(Qt::CustomContextMenu);
     list_->installEventFilter(this);
     setFocusProxy(list_);

@@ -3,6 +3,7 @@
 #include "model/Channel.h"
 #include "model/ChannelStore.h"
 #include "parse/NewsItem.h"
+#include "ui/QtText.h"
 #include "ui/RowTitle.h"
 
 #include <algorithm>
@@ -39,10 +40,6 @@ int CompareStatus(const NewsItem& a, const NewsItem& b, int32_t direction) {
         return a.read() != 0 ? -1 : 1;
     }
     return a.read() == 0 ? -1 : 1;
-}
-
-QString ToQString(std::u16string_view text) {
-    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "model/ViewerSettings.h"
 #include "platform/StringTable.h"
 #include "ui/DialogParts.h"
+#include "ui/QtText.h"
 #include "ui/WaitCursor.h"
 
 #include <QComboBox>
@@ -18,10 +19,6 @@ namespace {
 
 constexpr int kStrMainMemory = 40242;
 constexpr int kStrMoveQuestion = 40052;
-
-QString ToQString(std::u16string_view text) {
-    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 } // namespace
 

@@ -2,6 +2,7 @@
 
 #include "parse/OpmlImport.h"
 #include "platform/StringTable.h"
+#include "ui/QtText.h"
 #include "ui/SvgImages.h"
 #include "ui/UiScale.h"
 
@@ -18,11 +19,6 @@ constexpr int kStrAllCategories = 40246;
 constexpr int kIconSize = 16;
 
 enum ItemKind : int { kRootItem = QTreeWidgetItem::UserType, kCategoryItem, kChannelItem };
-
-QString ToQString(const WString& text) {
-    const std::u16string_view view = text.view();
-    return QString::fromUtf16(view.data(), static_cast<qsizetype>(view.size()));
-}
 
 QTreeWidgetItem* NewItem(QTreeWidgetItem* parent, const QString& text, ItemKind kind) {
     auto* item = new QTreeWidgetItem(parent, QStringList{text}, kind);
@@ -103,7 +99,7 @@ void PickChannelsPage::FillTree() {
 void PickChannelsPage::AddCategoryItem(QTreeWidgetItem* root, Category& category) {
     const qreal ratio = devicePixelRatioF();
     const QSize iconSize = tree_->iconSize();
-    auto* item = NewItem(root, ToQString(category.name()), kCategoryItem);
+    auto* item = NewItem(root, ToQString(category.name().view()), kCategoryItem);
     item->setIcon(0, RenderSvgPixmap(QStringLiteral(":/icons/category.svg"), iconSize, ratio));
     item->setData(0, Qt::UserRole, QVariant::fromValue(static_cast<void*>(&category)));
     const QPixmap channelIcon =
@@ -112,7 +108,7 @@ void PickChannelsPage::AddCategoryItem(QTreeWidgetItem* root, Category& category
         if (!channel || store_.Contains(channel->xmlUrl().view())) {
             continue;
         }
-        auto* child = NewItem(item, ToQString(channel->title()), kChannelItem);
+        auto* child = NewItem(item, ToQString(channel->title().view()), kChannelItem);
         child->setIcon(0, channelIcon);
         child->setData(0, Qt::UserRole, QVariant::fromValue(static_cast<void*>(channel.get())));
     }
