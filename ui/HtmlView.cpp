@@ -17,6 +17,7 @@ namespace {
 // How much each text size level scales the program's font, smallest to largest.
 constexpr std::array kTextSizeScale = {0.8, 0.9, 1.0, 1.2, 1.45};
 constexpr int kMediumLevel = 2;
+constexpr QLatin1String kLocalLinkPrefix("qf_");
 
 bool IsRemote(const QUrl& name) {
     const QString scheme = name.scheme();
@@ -40,18 +41,22 @@ HtmlView::HtmlView(QObject* frame, int screenControl, QWidget* parent)
     setOpenExternalLinks(false);
     setFrameShape(NoFrame);
     connect(this, &QTextBrowser::anchorClicked, this, [this](const QUrl& target) {
-        if (linkHandler_) {
-            // Addresses the program names with its "qf_" prefix are no valid URLs to Qt; the
-            // handler gets them as the page wrote them.
-            linkHandler_(target.isValid() || clickedAnchor_.isEmpty() ? target.toString()
-                                                                      : clickedAnchor_);
+        if (!linkHandler_) {
+            return;
+        }
+        if (const auto address = LinkTarget(target)) {
+            linkHandler_(*address);
         }
     });
     ApplyFont();
 }
 
-void HtmlView::SetPage(const std::optional<std::u16string>& text, bool isHtml) {
+void HtmlView::SetPage(const std::optional<std::u16string>& text, bool isHtml,
+                       std::optional<QUrl> base) {
     clear();
+    base_ = std::move(base);
+    // The document resolves the names of its pictures against this before asking for them.
+    document()->setBaseUrl(base_.value_or(QUrl()));
     if (text) {
         const QString page = QString::fromStdU16String(*text);
         if (isHtml) {
@@ -119,6 +124,22 @@ QImage HtmlView::PictureFor(const QUrl& name) const {
         return imageSupplier_(name);
     }
     return {};
+}
+
+std::optional<QString> HtmlView::LinkTarget(const QUrl& target) const {
+    // Addresses the program names with its "qf_" prefix are no valid URLs to Qt; the handler
+    // gets them as the page wrote them.
+    const QString written =
+        target.isValid() || clickedAnchor_.isEmpty() ? target.toString() : clickedAnchor_;
+    if (!base_ || written.startsWith(kLocalLinkPrefix) || !target.isValid() ||
+        !target.isRelative()) {
+        return written;
+    }
+    // A relative address alone means nothing to the browser.
+    if (base_->isEmpty()) {
+        return std::nullopt;
+    }
+    return base_->resolved(target).toString();
 }
 
 // Unlike a new page, the changed layout leaves the scroll bars where the reader put them.

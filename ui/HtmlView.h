@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QTextBrowser>
+#include <QUrl>
 #include <functional>
 #include <optional>
 #include <string>
@@ -26,8 +27,12 @@ public:
     // `frame` receives the previous/next requests, naming the screen by `screenControl`.
     HtmlView(QObject* frame, int screenControl, QWidget* parent);
 
-    // Replaces the page; no text leaves the view empty.
-    void SetPage(const std::optional<std::u16string>& text, bool isHtml);
+    // Replaces the page; no text leaves the view empty. A page given `base` has its relative
+    // pictures and links resolved against it; an empty base leaves its relative pictures empty
+    // and makes its relative links lead nowhere. Without `base` links are handed on as written.
+    // Links that begin with "qf_" are the program's own and are always handed on as written.
+    void SetPage(const std::optional<std::u16string>& text, bool isHtml,
+                 std::optional<QUrl> base = std::nullopt);
     void SetTextSize(int level);
     void SetClearType(bool on);
     void SetFitToScreen(bool on);
@@ -57,6 +62,7 @@ private:
     void ApplyFont();
     bool IsStepKey(const QKeyEvent* event) const;
     QImage PictureFor(const QUrl& name) const;
+    std::optional<QString> LinkTarget(const QUrl& target) const;
 
     QObject* frame_;
     int screenControl_;
@@ -65,6 +71,7 @@ private:
     ImageSupplier imageSupplier_;
     ImageSupplier remoteImageSupplier_;
     LinkHandler linkHandler_;
+    std::optional<QUrl> base_;
     // The link under the last mouse release, as the page wrote it.
     QString clickedAnchor_;
 };

@@ -31,7 +31,9 @@ void BreakBeforePicture(QTextDocument& document, const QUrl& name) {
         for (auto it = block.begin(); !it.atEnd(); ++it) {
             const QTextFragment fragment = it.fragment();
             const QTextCharFormat format = fragment.charFormat();
-            if (!format.isImageFormat() || QUrl(format.toImageFormat().name()) != name) {
+            // The page may name the picture relative to its own address.
+            if (!format.isImageFormat() ||
+                document.baseUrl().resolved(QUrl(format.toImageFormat().name())) != name) {
                 continue;
             }
             // Pictures side by side share one fragment, one character each.

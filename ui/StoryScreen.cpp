@@ -1,6 +1,7 @@
 #include "ui/StoryScreen.h"
 
 #include "model/ChannelStore.h"
+#include "parse/NewsItem.h"
 #include "render/StoryPage.h"
 #include "ui/CommandIds.h"
 #include "ui/HtmlView.h"
@@ -9,6 +10,19 @@
 #include "ui/StoryPictures.h"
 
 namespace qf::ui {
+
+namespace {
+
+// What the story's relative pictures and links are resolved against: its own link, when that is
+// an http(s) address, and nothing otherwise.
+QUrl BaseOf(const NewsItem& item) {
+    const QUrl link(QString::fromStdU16String(item.link().str()));
+    const QString scheme = link.scheme().toLower();
+    const bool web = scheme == QLatin1String("http") || scheme == QLatin1String("https");
+    return web && link.isValid() && !link.host().isEmpty() ? link : QUrl();
+}
+
+} // namespace
 
 StoryScreen::StoryScreen(QObject* frame, ChannelStore& store, QWidget* parent)
     : QWidget(parent), store_(store), view_(new HtmlView(frame, kCtlStoryView, this)),
@@ -26,7 +40,7 @@ void StoryScreen::ShowStory(Channel* channel, NewsItem* item) {
     channel_ = channel;
     item_ = item;
     pictures_->BeginShowing();
-    view_->SetPage(BuildStoryPage(*channel, *item, PageContextFor(store_)), true);
+    view_->SetPage(BuildStoryPage(*channel, *item, PageContextFor(store_)), true, BaseOf(*item));
 }
 
 void StoryScreen::Forget() {

@@ -123,6 +123,39 @@ TEST_F(StoryPicturesTest, PictureIsFetchedOnceShownAndKeptForTheNextShowing) {
     EXPECT_EQ(server.hits("/pic.png"), 1);
 }
 
+TEST_F(StoryPicturesTest, RelativePicturesComeFromTheStorysOwnServer) {
+    server.addRoute({.path = "/news/pic2.png", .body = PngBytes(Qt::green)});
+    NewsItem* story = Story({});
+    story->SetLink(WString(server.url("/news/story.html")));
+    story->SetDescription(
+        WString(u"<p>Words before the pictures.<img src=\"/pic.png\"><img src=\"pic2.png\"></p>"));
+    // The picture the page holds under the name it wrote.
+    const auto named = [&](const char* src) {
+        return view()
+            ->document()
+            ->resource(QTextDocument::ImageResource, QUrl(QString::fromLatin1(src)))
+            .value<QImage>();
+    };
+    Show(story);
+    ASSERT_TRUE(WaitFor([&] { return Settled(); }));
+    EXPECT_EQ(named("/pic.png").pixelColor(0, 0), QColor(Qt::red));
+    EXPECT_EQ(named("pic2.png").pixelColor(0, 0), QColor(Qt::green));
+    EXPECT_EQ(server.hits("/news/pic2.png"), 1);
+    view()->document()->pageCount();
+    const QTextBlock words = view()->document()->find(QStringLiteral("Words before")).block();
+    EXPECT_LT(words.layout()->lineAt(0).height(), kPictureSize.height() / 2);
+
+    // Without an http(s) link of its own the story's relative pictures stay empty, even those
+    // kept from before.
+    for (const char16_t* link : {u"", u"file:///news/story.html"}) {
+        story->SetLink(WString(link));
+        Show(story);
+        EXPECT_TRUE(Settled());
+        EXPECT_LE(named("/pic.png").width(), 1);
+        EXPECT_LE(named("pic2.png").width(), 1);
+    }
+}
+
 TEST_F(StoryPicturesTest, WithShowImagesOffNothingIsRequestedNorShown) {
     app().store().settings().SetShowImages(0);
     Show(Story({"/pic.png", "/missing.png"}));

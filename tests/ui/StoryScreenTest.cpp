@@ -110,5 +110,39 @@ TEST_F(StoryScreenTest, LinksGoToTheBrowserWithoutTheLocalPrefixWhileTheWindowIs
     EXPECT_TRUE(view->toPlainText().isEmpty());
 }
 
+TEST_F(StoryScreenTest, RelativeLinksLeadFromTheStorysOwnAddress) {
+    const std::string links = "&lt;a href=\"more.html\"&gt;more&lt;/a&gt; "
+                              "&lt;a href=\"/top\"&gt;top&lt;/a&gt; "
+                              "&lt;a href=\"qf_http://127.0.0.1/x\"&gt;visit&lt;/a&gt; "
+                              "&lt;a href=\"qf_here.html\"&gt;here&lt;/a&gt;";
+    StartWithStories({{"Web", "", false, "http://127.0.0.1:8080/news/story.html", links},
+                      {"Nowhere", "", false, "", links}});
+    OpenChannel(0);
+    OpenStory(0);
+    HtmlView* view = app().storyScreen()->view();
+    const auto click = [&](const QString& text) {
+        QTextCursor link = view->document()->find(text);
+        link.setPosition(link.selectionStart() + 1);
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->cursorRect(link).center());
+        app().OnActivate();
+    };
+    // The program's own links are never resolved, however they are written.
+    for (const char* text : {"more", "top", "visit", "here"}) {
+        click(QString::fromLatin1(text));
+    }
+    EXPECT_EQ(opened_, QList<QUrl>({QUrl(QStringLiteral("http://127.0.0.1:8080/news/more.html")),
+                                    QUrl(QStringLiteral("http://127.0.0.1:8080/top")),
+                                    QUrl(QStringLiteral("http://127.0.0.1/x")),
+                                    QUrl(QStringLiteral("here.html"))}));
+
+    opened_.clear();
+    app().OnCommand(kCtlNone, kCmdNextNews);
+    ASSERT_EQ(Shown(), QStringLiteral("Nowhere"));
+    for (const char* text : {"more", "visit"}) {
+        click(QString::fromLatin1(text));
+    }
+    EXPECT_EQ(opened_, QList<QUrl>({QUrl(QStringLiteral("http://127.0.0.1/x"))}));
+}
+
 } // namespace
 } // namespace qf::ui::test
