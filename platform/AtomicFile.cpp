@@ -1,5 +1,6 @@
 #include "platform/AtomicFile.h"
 
+#include "platform/TempFile.h"
 #include "platform/Text.h"
 
 #include <cerrno>
@@ -58,7 +59,7 @@ void SyncFolder(const std::filesystem::path& folder) {
 } // namespace
 
 bool WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
-    std::string temp = path.string() + ".XXXXXX";
+    std::string temp = path.string() + std::string(kPartSuffix) + "XXXXXX";
     FileDescriptor fd(::mkstemp(temp.data()));
     if (fd.get() < 0) {
         return false;

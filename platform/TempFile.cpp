@@ -12,12 +12,13 @@ namespace qf {
 namespace {
 
 // mkstemp replaces the six X with a unique suffix.
-constexpr char kSuffixTemplate[] = ".part-XXXXXX";
+constexpr std::string_view kUniqueTemplate = "XXXXXX";
 
 } // namespace
 
 std::optional<TempFile> TempFile::CreateBeside(std::u16string_view path) {
-    std::string name = ToFsPath(path).string() + kSuffixTemplate;
+    std::string name =
+        ToFsPath(path).string() + std::string(kPartSuffix) + std::string(kUniqueTemplate);
     const FileDescriptor fd(::mkstemp(name.data()));
     if (!fd.valid()) {
         return std::nullopt;

@@ -6,6 +6,10 @@
 
 namespace qf {
 
+// What follows a file's name while it is being written; a name holding it after a run is a
+// left-over of a run that ended abruptly.
+inline constexpr std::string_view kPartSuffix = ".part-";
+
 // A new file under a unique name in the folder of another file, where a download lands before it
 // replaces that file. The file goes with the object unless it was moved into place.
 class TempFile {

@@ -3,6 +3,7 @@
 #include "model/ChannelStoreFile.h"
 #include "model/FileUtil.h"
 #include "model/ViewerSettings.h"
+#include "net/DataFolderTidy.h"
 #include "net/RefreshEngine.h"
 #include "ui/AboutBox.h"
 #include "ui/ChannelScreen.h"
@@ -128,6 +129,7 @@ void App::LoadStoreAtStart() {
         wait.Restore();
         dialogs_.tell(ToQString(OpenStoreFailedText(path)));
     }
+    TidyDataFolder(volume(), std::filesystem::file_time_type::clock::now());
     RefillChannels();
     SetScreen(kChannelsScreen);
     wait.Restore();
