@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QTextCursor>
 #include <QTextDocument>
 #include <array>
 
@@ -158,6 +159,10 @@ void HtmlView::keyPressEvent(QKeyEvent* event) {
     if (IsStepKey(event)) {
         event->accept();
         return;
+    }
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        // A link opened from the keyboard is the one the cursor rests on, not the last clicked.
+        clickedAnchor_ = textCursor().charFormat().anchorHref();
     }
     QTextBrowser::keyPressEvent(event);
 }

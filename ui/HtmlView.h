@@ -72,7 +72,8 @@ private:
     ImageSupplier remoteImageSupplier_;
     LinkHandler linkHandler_;
     std::optional<QUrl> base_;
-    // The link under the last mouse release, as the page wrote it.
+    // The link under the last mouse release or at the cursor when Enter was pressed, as the page
+    // wrote it.
     QString clickedAnchor_;
 };
 

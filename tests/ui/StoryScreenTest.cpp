@@ -114,7 +114,8 @@ TEST_F(StoryScreenTest, RelativeLinksLeadFromTheStorysOwnAddress) {
     const std::string links = "&lt;a href=\"more.html\"&gt;more&lt;/a&gt; "
                               "&lt;a href=\"/top\"&gt;top&lt;/a&gt; "
                               "&lt;a href=\"qf_http://127.0.0.1/x\"&gt;visit&lt;/a&gt; "
-                              "&lt;a href=\"qf_here.html\"&gt;here&lt;/a&gt;";
+                              "&lt;a href=\"qf_here.html\"&gt;here&lt;/a&gt; "
+                              "&lt;a href=\"qf_http://127.0.0.1/y\"&gt;other&lt;/a&gt;";
     StartWithStories({{"Web", "", false, "http://127.0.0.1:8080/news/story.html", links},
                       {"Nowhere", "", false, "", links}});
     OpenChannel(0);
@@ -130,10 +131,15 @@ TEST_F(StoryScreenTest, RelativeLinksLeadFromTheStorysOwnAddress) {
     for (const char* text : {"more", "top", "visit", "here"}) {
         click(QString::fromLatin1(text));
     }
+    // From the keyboard it is the link at the cursor, not the one clicked last.
+    view->setTextCursor(view->document()->find(QStringLiteral("other")));
+    QTest::keyClick(view, Qt::Key_Return);
+    app().OnActivate();
     EXPECT_EQ(opened_, QList<QUrl>({QUrl(QStringLiteral("http://127.0.0.1:8080/news/more.html")),
                                     QUrl(QStringLiteral("http://127.0.0.1:8080/top")),
                                     QUrl(QStringLiteral("http://127.0.0.1/x")),
-                                    QUrl(QStringLiteral("here.html"))}));
+                                    QUrl(QStringLiteral("here.html")),
+                                    QUrl(QStringLiteral("http://127.0.0.1/y"))}));
 
     opened_.clear();
     app().OnCommand(kCtlNone, kCmdNextNews);
