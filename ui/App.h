@@ -147,6 +147,8 @@ private:
     void MarkChannel(int command);
     void StepNews(int command);
     void ReadOnline(int command);
+    // Runs one of the program's dialogs and gives the main window the keyboard back afterwards.
+    int RunDialog(QDialog& dialog);
     void EditChannelProperties(int command);
     void ChooseOptions(int command);
     void NoAction(int command);

@@ -93,7 +93,7 @@ void App::LeaveWelcome(int) {
 
 bool App::AddChannels() {
     AddChannelWizard wizard(store_, family_, mainWindow_.get());
-    return dialogs_.run(wizard) == QDialog::Accepted && wizard.Apply();
+    return RunDialog(wizard) == QDialog::Accepted && wizard.Apply();
 }
 
 void App::RefreshAll(int) {

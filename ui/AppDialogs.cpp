@@ -7,6 +7,13 @@
 
 namespace qf::ui {
 
+int App::RunDialog(QDialog& dialog) {
+    const int result = dialogs_.run(dialog);
+    // Without a window manager (a kiosk handheld) nobody else gives the keyboard back.
+    mainWindow_->activateWindow();
+    return result;
+}
+
 void App::EditChannelProperties(int) {
     Channel* channel =
         screen_ == kChannelScreen ? channelScreen_->channel() : channelsScreen_->SelectedChannel();
@@ -14,7 +21,7 @@ void App::EditChannelProperties(int) {
         return;
     }
     ChannelPropertiesDialog dialog(*channel, mainWindow_.get());
-    if (dialogs_.run(dialog) != QDialog::Accepted) {
+    if (RunDialog(dialog) != QDialog::Accepted) {
         return;
     }
     // The new title shows at once; the address is used by the next refresh.
@@ -32,7 +39,7 @@ void App::ChooseOptions(int) {
         return;
     }
     OptionsDialog dialog(store_, dialogs_.ask, mainWindow_.get());
-    dialogs_.run(dialog);
+    RunDialog(dialog);
 }
 
 } // namespace qf::ui
