@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 #include "cli/Session.h"
+#include "parse/XmlWriter.h"
 #include "platform/AtomicFile.h"
 #include "platform/Text.h"
 
@@ -14,35 +15,14 @@ namespace {
 // Text made safe for a double-quoted XML attribute. Characters XML cannot carry become U+FFFD;
 // tabs and line breaks are written as references so that readers keep them.
 std::string Attribute(const WString& text) {
-    std::string out;
+    std::string carried;
     for (const char c : text.toUtf8()) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        case '\t':
-            out += "&#9;";
-            break;
-        case '\n':
-            out += "&#10;";
-            break;
-        case '\r':
-            out += "&#13;";
-            break;
-        default:
-            out += static_cast<unsigned char>(c) < 0x20 ? "\xEF\xBF\xBD" : std::string(1, c);
-            break;
-        }
+        const bool control =
+            static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+        carried += control ? std::string("\xEF\xBF\xBD") : std::string(1, c);
     }
+    std::string out;
+    AppendEscapedAttribute(out, carried);
     return out;
 }
 

@@ -11,9 +11,10 @@ namespace {
 
 constexpr std::string_view kDeclaration = "<?xml version=\"1.0\"?>\n";
 
-// Escapes an attribute value as the XML library's serialiser does, so that both write the
-// same bytes: markup characters as entities, tabs and line breaks as character references.
-void AppendEscaped(std::string& out, std::string_view utf8) {
+} // namespace
+
+// Written as the XML library's serialiser does, so that both write the same bytes.
+void AppendEscapedAttribute(std::string& out, std::string_view utf8) {
     for (const char c : utf8) {
         switch (c) {
         case '<':
@@ -43,8 +44,6 @@ void AppendEscaped(std::string& out, std::string_view utf8) {
         }
     }
 }
-
-} // namespace
 
 XmlWriter::XmlWriter() : text_(kDeclaration) {}
 
@@ -87,7 +86,7 @@ void XmlWriter::Attribute(std::u16string_view name, std::u16string_view value) {
     }
     scratch_.clear();
     AppendXmlUtf8(scratch_, value);
-    AppendEscaped(text_, scratch_);
+    AppendEscapedAttribute(text_, scratch_);
     text_.push_back('"');
 }
 

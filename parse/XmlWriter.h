@@ -9,6 +9,10 @@
 
 namespace qf {
 
+// Appends UTF-8 text as the value of a double-quoted attribute: markup characters as entities,
+// tabs and line breaks as character references (as the XML library's serialiser writes them).
+void AppendEscapedAttribute(std::string& out, std::string_view utf8);
+
 // Writes a new XML document straight to text, byte for byte as XmlDocument::Save writes the same
 // document built node by node (UTF-8 under a declaration without encoding, no added white space),
 // but without building the tree: a store of thousands of channels is saved in a fraction of the
