@@ -23,6 +23,13 @@ bool IsWithin(const std::u16string& inner, const std::u16string& outer) {
                .first == outerPath.end();
 }
 
+// Whether any file (or link) is left anywhere in the folder tree.
+bool HoldsFiles(std::u16string_view folder) {
+    return std::ranges::any_of(ListDirectory(folder), [folder](const DirectoryEntry& entry) {
+        return !entry.isDirectory || HoldsFiles(JoinPath(folder, entry.name));
+    });
+}
+
 } // namespace
 
 std::optional<std::u16string> DataFolderOfVolume(std::u16string_view volume) {
@@ -80,6 +87,12 @@ bool MoveData(std::u16string_view oldVolume, std::u16string_view newVolume) {
         return sameFolder;
     }
     MoveDirectoryContents(*oldFolder, *newFolder);
+    if (HoldsFiles(*oldFolder)) {
+        // Something would not move (a full card, a folder that cannot be made): what did move
+        // goes back, so that the store and its cached feeds stay together on the old volume.
+        MoveDirectoryContents(*newFolder, *oldFolder);
+        return false;
+    }
     RemoveDirectoryTree(*oldFolder);
     return true;
 }

@@ -35,9 +35,10 @@ int32_t StorageCardCount();
 std::optional<std::u16string> StorageCardName(int32_t index);
 
 // Moves every file of the data folder on `oldVolume` into the data folder on `newVolume`,
-// sub-folders included, then removes the emptied old folders. Files that cannot be moved stay
-// where they were. Fails when either volume is not there or one data folder lies inside the
-// other. Storing the new volume in the settings is the caller's part.
+// sub-folders included, then removes the emptied old folders. When any file cannot be moved, the
+// files that were moved go back and the move fails, so the data is never split across volumes.
+// Also fails when either volume is not there or one data folder lies inside the other. Storing
+// the new volume in the settings is the caller's part.
 bool MoveData(std::u16string_view oldVolume, std::u16string_view newVolume);
 
 // The first step of a download into the data folder: the path of `fileName` there, with the

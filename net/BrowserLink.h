@@ -7,9 +7,11 @@
 
 namespace qf {
 
-// The address to hand to the web browser for a story's link, or nothing for a story without a
-// link. A link that begins with "qf_" names one of the program's own local pages; the browser
-// gets it without that prefix.
+// The address to hand to the desktop for a story's link, or nothing when there is nothing the
+// desktop may open. A link that begins with "qf_" names one of the program's own local pages;
+// the desktop gets it without that prefix. Only web and mail addresses (http, https, mailto)
+// leave the program: a hostile feed must not make the desktop open local files or start the
+// handler of some other scheme.
 std::optional<std::u16string> LinkForBrowser(const WString& link);
 
 } // namespace qf

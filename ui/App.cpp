@@ -11,6 +11,7 @@
 #include "ui/HtmlView.h"
 #include "ui/MainWindow.h"
 #include "ui/MenuTables.h"
+#include "ui/PrivateMessages.h"
 #include "ui/QtText.h"
 #include "ui/SoftKeyBar.h"
 #include "ui/StoryScreen.h"
@@ -55,11 +56,14 @@ UserDialogs WithDefaults(UserDialogs dialogs) {
 } // namespace
 
 App::App(DeviceFamily family, UserDialogs dialogs)
-    : family_(family), dialogs_(WithDefaults(std::move(dialogs))),
+    : family_(family), dialogs_(WithDefaults(std::move(dialogs))), handOvers_([this] {
+          PostPrivateMessage(mainWindow_.get(),
+                             std::make_unique<PrivateMessageEvent>(kHandOverEvent));
+      }),
       handOverToken_(std::make_shared<int>(0)) {}
 
 App::~App() {
-    // Work the workers still hand over must not reach screens that are going away.
+    // The workers are stopped first; work they still handed over never reaches the screens.
     handOverToken_.reset();
     engine_.reset();
     mainWindow_.reset();

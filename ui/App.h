@@ -4,6 +4,7 @@
 #include "net/RefreshObserver.h"
 #include "ui/CommandIds.h"
 #include "ui/DeviceFamily.h"
+#include "ui/HandOverQueue.h"
 
 #include <QObject>
 #include <QString>
@@ -157,6 +158,11 @@ private:
     void OpenChannel(Channel* channel);
     void ShowChannel(Channel* channel);
     void ShowStory(Channel* channel, NewsItem* item);
+    // The live story for one that a message names, which a refresh may have replaced since.
+    NewsItem* LiveStory(const Channel& channel, NewsItem* item) const;
+    // The story screen moves to the live story after a refresh replaced the channel's stories.
+    void FollowRefreshOnStoryScreen(Channel& channel,
+                                    const std::shared_ptr<Channel::ItemList>& before);
     void ShowChannelMenu();
     void StepStory(bool next);
     void OpenLink(const QString& target);
@@ -167,6 +173,8 @@ private:
     void ShowProgressLine(const RefreshProgress& progress);
     void RefreshAllStarted();
     void HideProgressWhenIdle();
+    // A "Refresh Channel" ended, however: busy and the stop request are cleared.
+    void EndChannelRefresh();
 
     // Menus.
     void UpdateCategoryList(QMenu* categories);
@@ -184,8 +192,10 @@ private:
     StoryScreen* storyScreen_ = nullptr;
     QMenu* contextMenu_ = nullptr;
     QTimer* autoUpdateTimer_ = nullptr;
+    // Declared before the engine, whose workers hand work over until the engine is gone.
+    HandOverQueue handOvers_;
     std::unique_ptr<RefreshEngine> engine_;
-    // Hand-overs posted while this lives are run; those still queued when it goes are dropped.
+    // Completions posted while this lives are run; those still queued when it goes are dropped.
     std::shared_ptr<int> handOverToken_;
     // Channels shown as being updated, and whether a refresh of all channels runs: the progress
     // control shows while either is so.
@@ -193,8 +203,13 @@ private:
     bool refreshAllRunning_ = false;
     // Shown from "Refresh Channel" until the shown channel's update ends.
     std::unique_ptr<WaitCursor> refreshCursor_;
-    // Stories a refresh replaced while a screen may still show them.
-    std::vector<Channel::ItemList> retiredItems_;
+    // The channel of a "Refresh Channel" in flight: busy is set until its update ends, however.
+    const Channel* refreshingChannel_ = nullptr;
+    // Stories a refresh replaced, kept until the messages posted before the refresh that may
+    // still name them have been handled.
+    std::vector<std::shared_ptr<Channel::ItemList>> retiredItems_;
+    // The replaced story the story screen still shows when the refresh left no live story for it.
+    std::shared_ptr<Channel::ItemList> shownRetiredStory_;
 };
 
 } // namespace qf::ui

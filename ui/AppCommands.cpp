@@ -126,6 +126,12 @@ void App::DeleteChannel(int) {
         storyScreen_->Forget();
     }
     updating_.erase(channel);
+    if (channel == refreshingChannel_) {
+        EndChannelRefresh();
+    }
+    if (storyScreen_->channel() == nullptr) {
+        shownRetiredStory_.reset();
+    }
     // The store owns the channel; it goes here.
     store_.RemoveChannel(channel);
 }
@@ -170,11 +176,13 @@ void App::RefreshChannel(int) {
     store_.busy() = 1;
     store_.stopRequested() = 0;
     refreshCursor_ = std::make_unique<WaitCursor>();
-    engine_->StartChannelUpdate(*channel, 0, true, [this](Channel& updated) {
-        channelScreen_->ShowChannel(&updated);
-        store_.busy() = 0;
-        store_.stopRequested() = 0;
-    });
+    refreshingChannel_ = channel;
+    // Busy is cleared when the channel's update ends, failed or stopped as well as done.
+    engine_->StartChannelUpdate(
+        *channel, 0, true, [this](Channel& updated) { channelScreen_->ShowChannel(&updated); });
+    if (channel->state() != kChannelUpdating) {
+        EndChannelRefresh();
+    }
 }
 
 void App::StepChannel(int command) {

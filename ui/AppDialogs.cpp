@@ -38,7 +38,7 @@ void App::ChooseOptions(int) {
         dialogs_.tell(QStringLiteral("Please wait until the refresh has finished."));
         return;
     }
-    OptionsDialog dialog(store_, dialogs_.ask, mainWindow_.get());
+    OptionsDialog dialog(store_, dialogs_.ask, dialogs_.tell, mainWindow_.get());
     RunDialog(dialog);
 }
 

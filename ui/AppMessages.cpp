@@ -54,9 +54,7 @@ void App::OnPrivateMessage(PrivateMessageEvent& event) {
         }
         break;
     case kHandOverEvent:
-        if (event.work) {
-            event.work();
-        }
+        handOvers_.RunNext();
         break;
     }
 }
@@ -81,14 +79,17 @@ void App::OpenChannel(Channel* channel) {
 }
 
 void App::ShowChannel(Channel* channel) {
-    // The screens now show this channel's present stories; the replaced ones can go.
-    retiredItems_.clear();
     channelScreen_->ShowChannel(channel);
     SetScreen(kChannelScreen);
 }
 
 void App::ShowStory(Channel* channel, NewsItem* item) {
     if (channel == nullptr || item == nullptr) {
+        return;
+    }
+    // A refresh may have replaced the story since the tap; the read mark goes to the live one.
+    item = LiveStory(*channel, item);
+    if (item == nullptr) {
         return;
     }
     WaitCursor wait;
@@ -99,6 +100,7 @@ void App::ShowStory(Channel* channel, NewsItem* item) {
         channel->SetModified(1);
     }
     storyScreen_->ShowStory(channel, item);
+    shownRetiredStory_.reset();
     SetScreen(kStoryScreen);
     if (channelScreen_->channel() == channel) {
         // Back returns to the story's row, and the next story follows from it even when the

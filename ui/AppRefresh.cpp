@@ -1,3 +1,4 @@
+#include "parse/SameStory.h"
 #include "platform/Text.h"
 #include "ui/App.h"
 #include "ui/ChannelScreen.h"
@@ -8,15 +9,12 @@
 #include "ui/StoryScreen.h"
 #include "ui/WaitCursor.h"
 
+#include <algorithm>
+
 namespace qf::ui {
 
 void App::HandOver(std::function<void()> work) {
-    PostHandOver(mainWindow_.get(),
-                 [token = std::weak_ptr<int>(handOverToken_), work = std::move(work)] {
-                     if (token.lock()) {
-                         work();
-                     }
-                 });
+    handOvers_.Post(std::move(work));
 }
 
 void App::ReportProgress(const RefreshProgress& progress) {
@@ -35,6 +33,18 @@ void App::RedrawChannel(const Channel& channel) {
         if (&channel == channelScreen_->channel()) {
             refreshCursor_.reset();
         }
+        if (&channel == refreshingChannel_) {
+            EndChannelRefresh();
+        }
+    }
+}
+
+void App::EndChannelRefresh() {
+    refreshingChannel_ = nullptr;
+    refreshCursor_.reset();
+    if (!refreshAllRunning_) {
+        store_.busy() = 0;
+        store_.stopRequested() = 0;
     }
 }
 
@@ -49,10 +59,48 @@ void App::PostRefreshDone(Channel& channel, RefreshCompletion completion) {
 }
 
 void App::RetireItems(Channel& channel, Channel::ItemList items) {
-    // A screen that shows one of these stories keeps pointing at it until it is filled anew.
-    if (channelScreen_->channel() == &channel || storyScreen_->channel() == &channel) {
-        retiredItems_.push_back(std::move(items));
+    auto before = std::make_shared<Channel::ItemList>(std::move(items));
+    if (channelScreen_->channel() == &channel) {
+        channelScreen_->FollowRefresh(*before);
     }
+    if (storyScreen_->channel() == &channel) {
+        FollowRefreshOnStoryScreen(channel, before);
+    }
+    // Messages already on their way (a tap on a headline) may name a replaced story; they are
+    // handled before this hand-over, which lets the stories go.
+    retiredItems_.push_back(before);
+    HandOver([this, before] { std::erase(retiredItems_, before); });
+}
+
+void App::FollowRefreshOnStoryScreen(Channel& channel,
+                                     const std::shared_ptr<Channel::ItemList>& before) {
+    const NewsItem* shown = storyScreen_->item();
+    if (shown == nullptr) {
+        return;
+    }
+    if (NewsItem* same = SameStory(*before, *shown, channel.items())) {
+        storyScreen_->FollowRefresh(same);
+        shownRetiredStory_.reset();
+    } else if (std::ranges::any_of(*before,
+                                   [shown](const auto& item) { return item.get() == shown; })) {
+        // The story left the feed: its page stays for the reader, and nothing acts on it.
+        shownRetiredStory_ = before;
+    }
+}
+
+NewsItem* App::LiveStory(const Channel& channel, NewsItem* item) const {
+    const auto holds = [item](const Channel::ItemList& list) {
+        return std::ranges::any_of(list, [item](const auto& entry) { return entry.get() == item; });
+    };
+    if (holds(channel.items())) {
+        return item;
+    }
+    for (const auto& before : retiredItems_) {
+        if (holds(*before)) {
+            return SameStory(*before, *item, channel.items());
+        }
+    }
+    return nullptr;
 }
 
 void App::RefreshAllFinished() {
@@ -66,8 +114,6 @@ void App::RefreshAllStarted() {
 }
 
 void App::HideProgressWhenIdle() {
-    // Not `busy`: a failed "Refresh Channel" leaves it set until the next refresh of all
-    // channels, and the control would stay up with nothing to stop.
     if (updating_.empty() && !refreshAllRunning_) {
         ShowProgress(false);
     }

@@ -1,6 +1,7 @@
 #include "ui/ChannelScreen.h"
 
 #include "model/ChannelStore.h"
+#include "parse/SameStory.h"
 #include "render/ChannelPage.h"
 #include "ui/CommandIds.h"
 #include "ui/HtmlView.h"
@@ -13,6 +14,7 @@
 
 #include <QKeyEvent>
 #include <QListView>
+#include <QScrollBar>
 
 namespace qf::ui {
 
@@ -57,6 +59,20 @@ void ChannelScreen::ShowChannel(Channel* channel, int32_t sortKey, int32_t sortD
         // there is neither.
         const int row = model_->RowOf(selected);
         SelectRowAt(row >= 0 ? row : selectedRow);
+    }
+}
+
+void ChannelScreen::FollowRefresh(const std::vector<std::unique_ptr<NewsItem>>& before) {
+    if (channel_ == nullptr) {
+        return;
+    }
+    const NewsItem* selected = SelectedItem();
+    const int scrolled = list_->verticalScrollBar()->value();
+    ShowChannel(channel_);
+    if (selected == nullptr) {
+        list_->verticalScrollBar()->setValue(scrolled);
+    } else if (const NewsItem* same = SameStory(before, *selected, channel_->items())) {
+        SelectRow(same);
     }
 }
 

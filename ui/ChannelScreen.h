@@ -4,6 +4,8 @@
 
 #include <QWidget>
 #include <cstdint>
+#include <memory>
+#include <vector>
 
 class QListView;
 
@@ -35,6 +37,10 @@ public:
     // channel again keeps the selected story, or the selection's place when the story left.
     void ShowChannel(Channel* channel, int32_t sortKey, int32_t sortDirection, bool newOnly);
     void FillList(Channel* channel, bool newOnly);
+    // A refresh replaced the shown channel's stories, `before` being the old ones: the list is
+    // filled with the new ones, the selected story staying selected (the row in its place when
+    // the story left) and an unselected list keeping its scroll position.
+    void FollowRefresh(const std::vector<std::unique_ptr<NewsItem>>& before);
     void Sort(int32_t key, int32_t direction);
     // Repaints the story's row, or with `redrawOnly` false sets its text again.
     void UpdateRow(const NewsItem* item, bool redrawOnly);

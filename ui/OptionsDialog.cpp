@@ -22,8 +22,9 @@ constexpr int kStrMoveQuestion = 40052;
 
 } // namespace
 
-OptionsDialog::OptionsDialog(ChannelStore& store, Question ask, QWidget* parent)
-    : QDialog(parent), store_(store), ask_(std::move(ask)), volumes_(new QComboBox(this)) {
+OptionsDialog::OptionsDialog(ChannelStore& store, Question ask, Message tell, QWidget* parent)
+    : QDialog(parent), store_(store), ask_(std::move(ask)), tell_(std::move(tell)),
+      volumes_(new QComboBox(this)) {
     setWindowTitle(QStringLiteral("Options"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(BoldLabel(QStringLiteral("Store channels data:"), this));
@@ -77,9 +78,11 @@ void OptionsDialog::accept() {
 void OptionsDialog::MoveTo(const std::u16string& volume) {
     WaitCursor wait;
     const std::u16string oldVolume(store_.settings().storageVolume().view());
-    // A failed move leaves what could not be moved where it was; the choice is stored anyway,
-    // as it always was.
-    MoveData(oldVolume, volume);
+    if (!MoveData(oldVolume, volume)) {
+        wait.Restore();
+        tell_(QStringLiteral("The channels data could not be moved there; it stays where it was."));
+        return;
+    }
     store_.settings().SetStorageVolume(WString(volume));
     store_.SetChannelStorePath(ChannelStorePath(volume).value_or(std::u16string()));
     // The data now lies on the new volume: the choice is saved at once, so that a crash before

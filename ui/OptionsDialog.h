@@ -13,14 +13,16 @@ class ChannelStore;
 namespace qf::ui {
 
 // Where the channels data is kept: main memory or a storage card. Choosing another volume and
-// confirming the question moves the whole data folder there and makes it the volume in use.
+// confirming the question moves the whole data folder there and makes it the volume in use; a
+// move that is refused or fails keeps the volume in use, and the user is told.
 class OptionsDialog : public QDialog {
     Q_OBJECT
 
 public:
     using Question = std::function<bool(const QString& question)>;
+    using Message = std::function<void(const QString& message)>;
 
-    OptionsDialog(ChannelStore& store, Question ask, QWidget* parent);
+    OptionsDialog(ChannelStore& store, Question ask, Message tell, QWidget* parent);
 
     QComboBox* volumes() const { return volumes_; }
     // The volume an entry stands for: "\" for main memory, "\" + the card's name otherwise.
@@ -34,6 +36,7 @@ private:
 
     ChannelStore& store_;
     Question ask_;
+    Message tell_;
     QComboBox* volumes_;
 };
 

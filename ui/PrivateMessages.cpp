@@ -22,10 +22,4 @@ void PostRefreshDone(QObject* target, Channel* channel, RefreshCompletion comple
     PostPrivateMessage(target, std::move(event));
 }
 
-void PostHandOver(QObject* target, std::function<void()> work) {
-    auto event = std::make_unique<PrivateMessageEvent>(kHandOverEvent);
-    event->work = std::move(work);
-    PostPrivateMessage(target, std::move(event));
-}
-
 } // namespace qf::ui

@@ -24,12 +24,12 @@ enum PrivateMessage : int {
     QFM_NAVPREVIOUS = 0x8122,
     QFM_NAVNEXT = 0x8123,
     QFM_REFRESHDONE = 0x8130,
-    // Work a refresh worker hands to the main thread, which alone changes the model.
+    // A refresh worker handed work to the main thread, which alone changes the model.
     kHandOverEvent = QFM_REFRESHDONE + 1,
 };
 
 // One private message with its arguments: the control that sent it, or the channel and story it
-// concerns, or a finished channel and its completion, or work handed over by a worker.
+// concerns, or a finished channel and its completion.
 class PrivateMessageEvent : public QEvent {
 public:
     explicit PrivateMessageEvent(PrivateMessage message) : QEvent(Type(message)) {}
@@ -40,7 +40,6 @@ public:
     Channel* channel = nullptr;
     NewsItem* item = nullptr;
     RefreshCompletion completion;
-    std::function<void()> work;
 };
 
 // Posts `event` to `target`'s queue; the queue owns it from then on. Safe from any thread.
@@ -49,7 +48,6 @@ void PostPrivateMessage(QObject* target, std::unique_ptr<PrivateMessageEvent> ev
 // Shorthands for the common forms.
 void PostControlMessage(QObject* target, PrivateMessage message, int sourceControl);
 void PostRefreshDone(QObject* target, Channel* channel, RefreshCompletion completion);
-void PostHandOver(QObject* target, std::function<void()> work);
 
 } // namespace qf::ui
 

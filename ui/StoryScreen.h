@@ -23,6 +23,9 @@ public:
 
     // Shows the story; nothing happens when either is missing.
     void ShowStory(Channel* channel, NewsItem* item);
+    // The same story as shown, now as the record a refresh put in place of the shown one; the
+    // page stays as the reader left it.
+    void FollowRefresh(NewsItem* item) { item_ = item; }
     // Lets go of the story, whose channel is going away, and empties the view.
     void Forget();
     Channel* channel() const { return channel_; }

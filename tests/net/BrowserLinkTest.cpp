@@ -8,14 +8,19 @@ namespace {
 TEST(BrowserLink, LocalPrefixIsRemovedOnlyAtTheVeryStart) {
     EXPECT_EQ(LinkForBrowser(WString(u"qf_http://example.org/a")), u"http://example.org/a");
     EXPECT_EQ(LinkForBrowser(WString(u"http://example.org/qf_a")), u"http://example.org/qf_a");
-    EXPECT_EQ(LinkForBrowser(WString(u"QF_x")), u"QF_x");
-    EXPECT_EQ(LinkForBrowser(WString(u"qf_qf_x")), u"qf_x");
-    EXPECT_EQ(LinkForBrowser(WString(u"qf_")), u"");
+    EXPECT_EQ(LinkForBrowser(WString(u"qf_qf_https://example.org/")), std::nullopt);
 }
 
-TEST(BrowserLink, StoryWithoutLinkHasNothingToOpen) {
-    EXPECT_FALSE(LinkForBrowser(WString()).has_value());
-    EXPECT_EQ(LinkForBrowser(WString(u"")), u"");
+TEST(BrowserLink, OnlyWebAndMailAddressesLeaveTheProgram) {
+    EXPECT_EQ(LinkForBrowser(WString(u"HTTPS://example.org/")), u"HTTPS://example.org/");
+    EXPECT_EQ(LinkForBrowser(WString(u"mailto:editor@example.org")), u"mailto:editor@example.org");
+    for (const char16_t* hostile :
+         {u"file:///etc/passwd", u"qf_file:///home", u"smb://host/share", u"javascript:alert(1)",
+          u"x-scheme-handler:run", u" http://example.org/", u"//example.org/", u"relative/page",
+          u"QF_x", u"qf_", u""}) {
+        EXPECT_EQ(LinkForBrowser(WString(hostile)), std::nullopt);
+    }
+    EXPECT_EQ(LinkForBrowser(WString()), std::nullopt);
 }
 
 } // namespace

@@ -1,11 +1,14 @@
 #include "UiFixture.h"
 #include "ui/ChannelListModel.h"
+#include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
 #include "ui/MainWindow.h"
 #include "ui/RowTitle.h"
 
+#include <QApplication>
 #include <QListView>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QTest>
 
 namespace qf::ui::test {
@@ -81,6 +84,17 @@ TEST_F(ChannelRowsTest, TapOpensAChannelAndRightClickShowsItsMenu) {
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
     ASSERT_TRUE(WaitFor([this] { return app().screen() == kChannelScreen; }));
     EXPECT_EQ(channel->items().size(), 1u);
+    // The second click of a double-click lands on the headline now under the pointer; it opens
+    // nothing and marks nothing read.
+    QWidget* headlines = app().channelScreen()->list()->viewport();
+    for (const QEvent::Type type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+        QMouseEvent second(type, row.center(), headlines->mapToGlobal(row.center()), Qt::LeftButton,
+                           type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
+        QApplication::sendEvent(headlines, &second);
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(app().screen(), kChannelScreen);
+    EXPECT_FALSE(channel->items().front()->isRead());
 
     app().SetScreen(kChannelsScreen);
     emit list->customContextMenuRequested(row.center());

@@ -119,5 +119,25 @@ TEST_F(DialogsTest, OptionsMoveNothingForTheVolumeInUseOrWhenTheUserSaysNo) {
     EXPECT_TRUE(std::filesystem::exists(DataFolder() / "QFChannels.opml"));
 }
 
+TEST_F(DialogsTest, OptionsKeepTheVolumeInUseWhenTheMoveFails) {
+    WriteOneChannel();
+    qf::test::WriteFileBytes(DataFolder() / "Channel1.xml", "<rss/>");
+    StartApp();
+    // A file where the card's folder for the data should go: nothing can be moved there.
+    std::filesystem::create_directories(dir_ / "cards" / "Card");
+    qf::test::WriteFileBytes(dir_ / "cards" / "Card" / "Quillfeed", "in the way");
+    onDialog_ = [](QDialog& dialog) {
+        dynamic_cast<OptionsDialog&>(dialog).volumes()->setCurrentIndex(1);
+        dialog.accept();
+        return dialog.result();
+    };
+    app().OnCommand(kCtlNone, kCmdOptions);
+    EXPECT_EQ(told_.size(), 1);
+    EXPECT_EQ(app().store().settings().storageVolume().str(), u"\\");
+    EXPECT_TRUE(std::filesystem::exists(DataFolder() / "Channel1.xml"));
+    QuitApp();
+    EXPECT_TRUE(std::filesystem::exists(DataFolder() / "QFChannels.opml"));
+}
+
 } // namespace
 } // namespace qf::ui::test

@@ -1,9 +1,12 @@
+#include "NewsFixture.h"
 #include "UiFixture.h"
+#include "net/RefreshEngine.h"
 #include "support/TestServer.h"
 #include "ui/ChannelListModel.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
 #include "ui/ProgressBar.h"
+#include "ui/StoryScreen.h"
 
 #include <QMenu>
 #include <QToolButton>
@@ -98,17 +101,24 @@ TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItFirst) {
     EXPECT_EQ(server_.hits("/good"), 1);
 }
 
-TEST_F(RefreshTest, FailedRefreshChannelKeepsBusyButPutsTheProgressAway) {
+TEST_F(RefreshTest, FailedRefreshChannelEndsLikeADoneOne) {
     StartWithServer();
     app().channelScreen()->ShowChannel(&Row(1));
     app().SetScreen(kChannelScreen);
     app().OnCommand(kCtlNone, kCmdRefreshChannel);
     ASSERT_TRUE(WaitFor([this] { return Icon(1) == kChannelFailed; }));
     EXPECT_FALSE(app().channelScreen()->progress()->isVisibleTo(app().channelScreen()));
-    // Only a success clears it; the next refresh of all channels does otherwise.
-    EXPECT_EQ(app().store().busy(), 1);
+    EXPECT_EQ(app().store().busy(), 0);
+    EXPECT_EQ(app().store().stopRequested(), 0);
     OpenMenu();
-    EXPECT_EQ(MenuEntry(kCmdRefreshChannel)->text(), QStringLiteral("Stop Refresh"));
+    EXPECT_EQ(MenuEntry(kCmdRefreshChannel)->text(), QStringLiteral("Refresh Channel"));
+    // Nothing is left in the way of the automatic update.
+    app().store().SetAutoUpdate(1);
+    app().OnAutoUpdateTimer();
+    EXPECT_EQ(app().store().busy(), 1);
+    EXPECT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3; }));
+    app().channelsScreen()->progress()->stopButton()->click();
+    EXPECT_TRUE(WaitFor([this] { return app().store().busy() == 0; }));
 }
 
 TEST_F(RefreshTest, MarkAllFollowsTheCachedStoriesAndSurvivesTheSave) {
@@ -122,6 +132,69 @@ TEST_F(RefreshTest, MarkAllFollowsTheCachedStoriesAndSurvivesTheSave) {
     const std::string cached =
         qf::test::ReadFileBytes(DataFolder() / ("Channel" + std::to_string(Row(0).id()) + ".xml"));
     EXPECT_NE(cached.find("qf_wasRead=\"yes\""), std::string::npos);
+}
+
+// The News channel of the reading tests, now refreshed from a server that has one story more.
+class RefreshUnderReaderTest : public NewsFixture {
+protected:
+    void StartServingNewerFeed() {
+        StartWithStories();
+        std::string feed = "<rss version=\"2.0\"><channel><title>News</title><item><title>Echo"
+                           "</title><link>http://127.0.0.1/e</link><pubDate>Fri, 05 Jan 2024 "
+                           "10:00:00 GMT</pubDate></item>";
+        for (const TestStory& story : kFourStories) {
+            feed += "<item><title>" + story.title + "</title><link>" + story.link +
+                    "</link><pubDate>" + story.date + "</pubDate></item>";
+        }
+        server_.addRoute({"/news", 200, feed + "</channel></rss>"});
+        News().SetXmlUrl(WString(server_.url("/news")));
+    }
+    Channel& News() { return *app().channelsScreen()->model()->ChannelAt(0); }
+    bool Live(const NewsItem* item) {
+        return std::ranges::any_of(News().items(),
+                                   [item](const auto& live) { return live.get() == item; });
+    }
+    QString ShownTitle() {
+        return QString::fromStdU16String(app().storyScreen()->item()->title().str());
+    }
+
+    qf::test::TestServer server_;
+};
+
+TEST_F(RefreshUnderReaderTest, OpenScreensMoveToTheNewStoriesWhenARefreshLands) {
+    StartServingNewerFeed();
+    OpenChannel(0);
+    OpenStory(2);
+    ASSERT_EQ(ShownTitle(), QStringLiteral("Charlie"));
+    // The automatic update lands while the story is read.
+    app().store().SetAutoUpdate(1);
+    app().OnAutoUpdateTimer();
+    ASSERT_TRUE(
+        WaitFor([this] { return News().items().size() == 5 && app().store().busy() == 0; }));
+    EXPECT_EQ(Titles(), QStringList({"Echo", "Alpha", "Bravo", "Charlie", "Delta"}));
+    EXPECT_TRUE(Live(app().storyScreen()->item()));
+    EXPECT_EQ(ShownTitle(), QStringLiteral("Charlie"));
+    EXPECT_EQ(news().SelectedItem(), app().storyScreen()->item());
+    app().OnCommand(kCtlNone, kCmdPreviousNews);
+    app().OnCommand(kCtlNone, kCmdPreviousNews);
+    EXPECT_EQ(ShownTitle(), QStringLiteral("Alpha"));
+    EXPECT_TRUE(Live(app().storyScreen()->item()) && app().storyScreen()->item()->isRead());
+    EXPECT_EQ(News().newItemCount(), 1);
+
+    // A tap made before a refresh lands opens and marks the story that took the tapped one's place.
+    app().OnCommand(kCtlNone, kCmdBack);
+    const QRect echo = news().list()->visualRect(news().model()->index(0));
+    QTest::mouseClick(news().list()->viewport(), Qt::LeftButton, {}, echo.center());
+    ASSERT_TRUE(app().engine().UpdateChannel(News(), 0));
+    ASSERT_TRUE(WaitFor([this] { return app().screen() == kStoryScreen; }));
+    EXPECT_EQ(ShownTitle(), QStringLiteral("Echo"));
+    EXPECT_TRUE(Live(app().storyScreen()->item()));
+    EXPECT_EQ(News().newItemCount(), 0);
+    EXPECT_EQ(UnreadOnChannelsScreen(), 0);
+    QuitApp();
+    const std::string cached = qf::test::ReadFileBytes(CachedFeed(1));
+    EXPECT_EQ(cached.find("qf_wasRead=\"no\""), std::string::npos) << cached;
+    EXPECT_NE(cached.find("<item qf_wasRead=\"yes\"><title>Echo"), std::string::npos) << cached;
 }
 
 } // namespace
