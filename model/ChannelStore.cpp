@@ -68,28 +68,66 @@ Category& ChannelStore::DefaultCategory() {
     return *AddCategory(std::make_unique<Category>(WString(name)));
 }
 
-void ChannelStore::AssignLoadedId(Channel& channel, std::optional<int32_t> storedId) {
+bool ChannelStore::AssignLoadedId(Channel& channel, std::optional<int32_t> storedId) {
     if (!storedId) {
-        return;
+        return false;
     }
     if (*storedId != 0) {
         channel.SetId(*storedId);
         nextId_ = std::max(nextId_, IdAfter(*storedId));
-    } else {
-        channel.SetId(TakeNextId());
+        return false;
     }
+    channel.SetId(TakeNextId());
+    return true;
+}
+
+void ChannelStore::RenumberSharedIds(std::span<const Channel* const> handedOut) {
+    const std::unordered_set<const Channel*> numberedByLoad(handedOut.begin(), handedOut.end());
+    std::unordered_set<int32_t> claimed;
+    std::unordered_set<const Channel*> sharing;
+    // The file's own ids claim theirs first, then the ids the load handed out.
+    for (const bool byLoad : {false, true}) {
+        ForEachChannel([&](Channel& channel) {
+            if (numberedByLoad.contains(&channel) == byLoad &&
+                !claimed.insert(channel.id()).second) {
+                sharing.insert(&channel);
+            }
+        });
+    }
+    if (sharing.empty()) {
+        return;
+    }
+    KeepNextIdAboveEveryId();
+    ForEachChannel([&](Channel& channel) {
+        if (sharing.contains(&channel)) {
+            channel.SetId(TakeNextId());
+        }
+    });
 }
 
 void ChannelStore::RecomputeNextId() {
+    nextId_ = 0;
+    KeepNextIdAboveEveryId();
+}
+
+void ChannelStore::KeepNextIdAboveEveryId() {
     int32_t largest = 0;
-    for (const auto& category : categories_) {
-        for (const auto& channel : category->channels()) {
-            if (channel) {
-                largest = std::max(largest, channel->id());
-            }
-        }
+    ForEachChannel(
+        [&largest](const Channel& channel) { largest = std::max(largest, channel.id()); });
+    nextId_ = std::max(nextId_, IdAfter(largest));
+}
+
+std::unordered_set<int32_t> ChannelStore::UsedIds() const {
+    std::unordered_set<int32_t> used;
+    ForEachChannel([&used](const Channel& channel) { used.insert(channel.id()); });
+    return used;
+}
+
+int32_t ChannelStore::TakeFreeId(const std::unordered_set<int32_t>& used) {
+    while ((nextId_ <= 0 || used.contains(nextId_)) && nextId_ < kMaxId) {
+        IncrementNextId();
     }
-    nextId_ = IdAfter(largest);
+    return TakeNextId();
 }
 
 Category& ChannelStore::CategoryForNewChannel() {
@@ -117,6 +155,7 @@ Channel* ChannelStore::AddChannel(const WString& xmlUrl, const WString& title) {
 }
 
 bool ChannelStore::MergeCategories(const CategoryList& source) {
+    std::unordered_set<int32_t> used = UsedIds();
     for (const auto& from : source) {
         if (!from || from->channels().empty()) {
             continue;
@@ -131,12 +170,15 @@ bool ChannelStore::MergeCategories(const CategoryList& source) {
             }
             auto copy = std::make_unique<Channel>();
             copy->CopyFrom(*channel, false);
-            if (copy->id() == 0) {
-                copy->SetId(TakeNextId());
+            // Channels that shared an id would share their cached files.
+            if (copy->id() == 0 || used.contains(copy->id())) {
+                copy->SetId(TakeFreeId(used));
             }
+            used.insert(copy->id());
             into->AddChannel(std::move(copy));
         }
     }
+    KeepNextIdAboveEveryId();
     return true;
 }
 

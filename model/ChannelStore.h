@@ -9,8 +9,10 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace qf {
@@ -91,7 +93,14 @@ public:
 
     // Gives a channel read from the store file its id. `storedId` is the file's value, or nullopt
     // when the file gives none (the channel then keeps 0); a stored 0 takes the next free id.
-    void AssignLoadedId(Channel& channel, std::optional<int32_t> storedId);
+    // Answers whether the channel was given an id of the store's rather than the file's.
+    bool AssignLoadedId(Channel& channel, std::optional<int32_t> storedId);
+    // Run once the whole store file is read. Channels that share an id would share their cached
+    // files, so of the channels with one id the first in list order keeps it and every later one
+    // takes a fresh id (and is downloaded afresh). An id the file itself gives a channel goes
+    // before one the load handed out (`handedOut`, as AssignLoadedId answered), whatever the
+    // order.
+    void RenumberSharedIds(std::span<const Channel* const> handedOut);
     // Sets nextID to one more than the largest channel id (1 with no channels, or none above 0).
     // The loader calls it when the file left nextID at 0.
     void RecomputeNextId();
@@ -101,8 +110,9 @@ public:
     // address, ignoring case.
     Channel* AddChannel(const WString& xmlUrl, const WString& title);
     // Adds copies of the source's channels (without stories) to the categories of the same names,
-    // creating missing ones and passing over addresses a category already holds. The source stays
-    // with the caller.
+    // creating missing ones and passing over addresses a category already holds. A copy keeps its
+    // source's id unless that is 0 or already taken in the store (also by an earlier copy); then
+    // it takes the next free id. nextID ends above every id. The source stays with the caller.
     bool MergeCategories(const CategoryList& source);
     // Takes `channel` out of the category shown, or out of whichever category holds it when none
     // is shown, and hands it to the caller; nullptr when it is not found there.
@@ -119,7 +129,23 @@ public:
     bool IsAutoUpdateDue() const;
 
 private:
+    // Calls `visit(channel)` for every channel of every category, in list order.
+    template <typename Visit> void ForEachChannel(Visit visit) const {
+        for (const auto& category : categories_) {
+            for (const auto& channel : category->channels()) {
+                if (channel) {
+                    visit(*channel);
+                }
+            }
+        }
+    }
+
     int32_t TakeNextId();
+    // The next id from nextID on that is above 0 and not in `used`; nextID moves past it.
+    int32_t TakeFreeId(const std::unordered_set<int32_t>& used);
+    std::unordered_set<int32_t> UsedIds() const;
+    // Raises nextID, where needed, to one more than the largest channel id.
+    void KeepNextIdAboveEveryId();
     Category& CategoryForNewChannel();
 
     int32_t nextId_ = 0;

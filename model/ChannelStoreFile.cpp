@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace qf {
 
@@ -158,6 +159,8 @@ public:
                 ReadBody(child);
             }
         }
+        // Only now, with every id of the file known, can a shared one be told from a free one.
+        store_.RenumberSharedIds(handedOut_);
         if (store_.nextId() == 0) {
             store_.RecomputeNextId();
         }
@@ -266,7 +269,10 @@ private:
         auto channel = std::make_unique<Channel>();
         Channel& c = *channel;
         const auto id = Attribute(attributes, kId);
-        store_.AssignLoadedId(c, id ? std::optional<int32_t>(LeadingDecimal(*id)) : std::nullopt);
+        if (store_.AssignLoadedId(c, id ? std::optional<int32_t>(LeadingDecimal(*id))
+                                        : std::nullopt)) {
+            handedOut_.push_back(&c);
+        }
         if (auto encoding = Attribute(attributes, kEncoding)) {
             const WString name(std::move(*encoding));
             c.SetEncoding(name);
@@ -308,6 +314,8 @@ private:
 
     XmlDocument& document_;
     ChannelStore& store_;
+    // The channels whose id the load handed out, for a stored 0.
+    std::vector<const Channel*> handedOut_;
 };
 
 // "<path>.broken", or the first of "<path>.broken.1", ".broken.2", ... that is free.

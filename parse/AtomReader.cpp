@@ -41,13 +41,15 @@ void ReadEntry(const XmlDocument& document, Channel& channel, XmlNode entryEleme
                 item->SetLink(WString(std::move(href)));
             }
             break;
+        case EntryField::kId: // kept to tell linkless entries apart, never used as their link
+            item->SetGuid(WString(document.GetText(child)));
+            break;
         case EntryField::kUpdated:
             item->SetDate(DateOf(document.GetText(child)));
             break;
         case EntryField::kContent:
             item->SetDescription(WString(document.GetText(child)));
             break;
-        case EntryField::kId:
         case EntryField::kNone:
             break;
         }

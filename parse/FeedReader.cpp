@@ -4,13 +4,19 @@
 #include "parse/AtomReader.h"
 #include "parse/Charset.h"
 #include "parse/FeedElements.h"
+#include "parse/NewsItem.h"
 #include "parse/RssReader.h"
+
+#include <optional>
 
 namespace qf {
 
 namespace {
 
 constexpr std::u16string_view kLinkElement = u"link";
+constexpr std::u16string_view kGuidElement = u"guid";
+constexpr std::u16string_view kAtomIdElement = u"id";
+constexpr std::u16string_view kTitleElement = u"title";
 
 bool ReadByType(XmlDocument& document, Channel& channel, bool takeTitle, XmlNode top) {
     switch (channel.feedType()) {
@@ -23,6 +29,20 @@ bool ReadByType(XmlDocument& document, Channel& channel, bool takeTitle, XmlNode
     default:
         return false;
     }
+}
+
+// The page address a `link` element gives: its text, or in Atom the `href` of a text/html link
+// (none for other Atom links).
+std::optional<std::u16string> PageLink(const XmlDocument& document, XmlNode link,
+                                       int32_t feedType) {
+    if (feedType != kFeedAtom) {
+        return document.GetText(link);
+    }
+    std::u16string href;
+    if (HtmlLinkHref(document, link, href)) {
+        return href;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -48,21 +68,26 @@ bool ItemKey(const XmlDocument& document, XmlNode itemElement, std::u16string& o
     if (feedType != kFeedRdf && feedType != kFeedRss && feedType != kFeedAtom) {
         return false;
     }
-    for (XmlNode child = document.FirstElementChild(itemElement); child;
-         child = document.NextSibling(child)) {
-        if (!EqualsIgnoreCase(document.NodeName(child), kLinkElement)) {
-            continue;
+    // The first page link speaks for the element, as it always has, although the reader keeps
+    // the last one; of several guids or titles the last counts, as it does for the reader.
+    std::optional<std::u16string> link;
+    std::u16string guid;
+    std::u16string title;
+    const std::u16string_view guidName = feedType == kFeedAtom ? kAtomIdElement : kGuidElement;
+    ForEachChild(document, itemElement, [&](XmlNode child) {
+        const std::u16string name = document.NodeName(child);
+        if (EqualsIgnoreCase(name, kLinkElement)) {
+            if (!link) {
+                link = PageLink(document, child, feedType);
+            }
+        } else if (EqualsIgnoreCase(name, guidName)) {
+            guid = document.GetText(child);
+        } else if (EqualsIgnoreCase(name, kTitleElement)) {
+            title = document.GetText(child);
         }
-        if (feedType != kFeedAtom) {
-            out = document.GetText(child);
-            return true;
-        }
-        if (HtmlLinkHref(document, child, out)) {
-            return true;
-        }
-        out.clear();
-    }
-    return false;
+    });
+    out = StoryKey(link.value_or(std::u16string()), guid, title);
+    return !out.empty();
 }
 
 } // namespace qf

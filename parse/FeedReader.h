@@ -16,9 +16,10 @@ class Channel;
 // the list. Fails for a document without a top-level element or of another kind.
 bool ParseFeed(XmlDocument& document, Channel& channel, bool takeTitle);
 
-// The key that identifies a story element across downloads: the text of its first `link` (RSS
-// and RDF), or the `href` of its first `link` of type text/html (Atom). False, with `out` empty,
-// when the element has none.
+// The key that identifies a story element across downloads, by the rule of StoryKey: the text of
+// its first `link` (RSS and RDF) or the `href` of its first `link` of type text/html (Atom); for
+// an element without one its `guid` (RSS and RDF) or `id` (Atom); failing both its `title`.
+// False, with `out` empty, when the element has none of them.
 bool ItemKey(const XmlDocument& document, XmlNode itemElement, std::u16string& out,
              int32_t feedType);
 

@@ -21,25 +21,55 @@ std::u16string Folded(std::u16string_view text) {
     return folded;
 }
 
-// The channel's stories by link, ignoring case, each link with its stories in list order.
-// Looking links up this way keeps a refresh of a channel with thousands of stories quick.
-class StoriesByLink {
+// What a story is matched by: its key, ignoring case, and when asked also its date as the short
+// local form shows it (to the minute, ignoring case). Empty for a story without a key. No key
+// holds U+0000, which XML cannot carry, so it keeps the two parts apart.
+std::u16string MatchText(const NewsItem& item, bool withDate) {
+    const std::u16string_view key = item.key();
+    if (key.empty()) {
+        return {};
+    }
+    std::u16string text = Folded(key);
+    if (withDate) {
+        text += u'\0';
+        text += Folded(item.date().FormatShortLocal());
+    }
+    return text;
+}
+
+// The channel's stories by their match text, each with its stories in list order, handed out one
+// after the other: the n-th story looked up under a text is the n-th in the list with it, so that
+// stories sharing a key are matched in order. Looking stories up this way keeps a refresh of a
+// channel with thousands of stories quick.
+class StoriesInTurn {
 public:
-    explicit StoriesByLink(const Channel::ItemList& items) {
+    StoriesInTurn(const Channel::ItemList& items, bool withDate) {
         for (const auto& item : items) {
-            if (item && !item->link().isNull()) {
-                byLink_[Folded(item->link().view())].push_back(item.get());
+            if (item) {
+                std::u16string text = MatchText(*item, withDate);
+                if (!text.empty()) {
+                    byText_[std::move(text)].stories.push_back(item.get());
+                }
             }
         }
     }
 
-    const std::vector<NewsItem*>* Find(std::u16string_view link) const {
-        const auto found = byLink_.find(Folded(link));
-        return found == byLink_.end() ? nullptr : &found->second;
+    // The next story not handed out yet under `text`; nullptr when there is none left.
+    NewsItem* Next(const std::u16string& text) {
+        const auto found = byText_.find(text);
+        if (found == byText_.end()) {
+            return nullptr;
+        }
+        Turn& turn = found->second;
+        return turn.next < turn.stories.size() ? turn.stories[turn.next++] : nullptr;
     }
 
 private:
-    std::unordered_map<std::u16string, std::vector<NewsItem*>> byLink_;
+    struct Turn {
+        std::vector<NewsItem*> stories;
+        std::size_t next = 0;
+    };
+    std::unordered_map<std::u16string, Turn> byText_;
 };
 
 std::u16string_view StoryElementName(int32_t feedType) {
@@ -50,16 +80,6 @@ bool IsKnownFeedType(int32_t feedType) {
     return feedType == kFeedRdf || feedType == kFeedRss || feedType == kFeedAtom;
 }
 
-// The first story of `candidates` whose date shows as `shownDate`.
-NewsItem* SameDate(const std::vector<NewsItem*>& candidates, std::u16string_view shownDate) {
-    for (NewsItem* candidate : candidates) {
-        if (EqualsIgnoreCase(candidate->date().FormatShortLocal(), shownDate)) {
-            return candidate;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 bool WriteReadStates(XmlDocument& document, const Channel& channel) {
@@ -67,7 +87,7 @@ bool WriteReadStates(XmlDocument& document, const Channel& channel) {
     if (!document.RootNode() || !IsKnownFeedType(feedType)) {
         return false;
     }
-    const StoriesByLink stories(channel.items());
+    StoriesInTurn stories(channel.items(), false);
     XmlNodeList elements = document.ElementsByTagName(StoryElementName(feedType));
     std::u16string key;
     for (XmlNode element = XmlDocument::ListNext(elements); element;
@@ -75,9 +95,8 @@ bool WriteReadStates(XmlDocument& document, const Channel& channel) {
         if (!ItemKey(document, element, key, feedType)) {
             continue;
         }
-        if (const auto* matches = stories.Find(key)) {
-            const std::u16string_view value =
-                matches->front()->isRead() ? kReadValue : kUnreadValue;
+        if (const NewsItem* story = stories.Next(Folded(key))) {
+            const std::u16string_view value = story->isRead() ? kReadValue : kUnreadValue;
             document.SetAttribute(element, kReadStateAttribute, WString(value));
         }
     }
@@ -85,17 +104,14 @@ bool WriteReadStates(XmlDocument& document, const Channel& channel) {
 }
 
 bool CarryReadStates(const Channel::ItemList& oldItems, Channel& channel) {
-    const StoriesByLink stories(channel.items());
+    StoriesInTurn stories(channel.items(), true);
     bool carried = false;
     for (const auto& old : oldItems) {
-        if (!old || old->link().isNull()) {
+        const std::u16string text = old ? MatchText(*old, true) : std::u16string();
+        if (text.empty()) {
             continue;
         }
-        const auto* candidates = stories.Find(old->link().view());
-        if (candidates == nullptr) {
-            continue;
-        }
-        if (NewsItem* same = SameDate(*candidates, old->date().FormatShortLocal())) {
+        if (NewsItem* same = stories.Next(text)) {
             same->SetRead(old->read());
             carried = true;
         }

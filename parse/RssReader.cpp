@@ -96,13 +96,15 @@ void ReadItem(const XmlDocument& document, Channel& channel, XmlNode itemElement
         case ItemField::kLink:
             item->SetLink(WString(document.GetText(child)));
             break;
+        case ItemField::kGuid: // kept to tell linkless stories apart, never used as their link
+            item->SetGuid(WString(document.GetText(child)));
+            break;
         case ItemField::kPubDate:
             item->SetDate(DateOf(document.GetText(child)));
             break;
         case ItemField::kDescription:
             item->SetDescription(WString(document.GetText(child)));
             break;
-        case ItemField::kGuid: // never a key: two stories may share one, and many have none
         case ItemField::kNone:
             break;
         }

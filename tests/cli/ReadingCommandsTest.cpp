@@ -12,14 +12,16 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
-// Three stories, the first one read; the third has no link, so its state cannot be kept.
+// Four stories, the first one read; the third has no link, only a guid, and the fourth shares the
+// second's link.
 constexpr std::string_view kFeed =
     "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
     "<rss><channel><title>T</title><image><url>http://a.example/logo.png</url></image>"
     "<item qf_wasRead=\"yes\"><title>One</title><link>http://a.example/1</link>"
     "<pubDate>Mon, 22 Oct 2007 22:16:44 GMT</pubDate></item>"
     "<item><title>Two</title><link>http://a.example/2</link></item>"
-    "<item><title>Three</title></item></channel></rss>\n";
+    "<item><title>Three</title><guid isPermaLink=\"false\">urn:a:3</guid></item>"
+    "<item><title>Four</title><link>http://a.example/2</link></item></channel></rss>\n";
 
 // A fresh user with one channel (id 1) whose feed is cached, and one (id 2) never downloaded.
 class ReadingCommandsTest : public ::testing::Test {
@@ -52,10 +54,11 @@ TEST_F(ReadingCommandsTest, ShowListsHeadlinesFromTheCachedFeed) {
     EXPECT_EQ(text.exitCode, 0);
     EXPECT_EQ(text.out, "   1   10/22/07 10:16 PM  One\n"
                         "   2 *                    Two\n"
-                        "   3 *                    Three\n");
+                        "   3 *                    Three\n"
+                        "   4 *                    Four\n");
 
     const auto json = nlohmann::json::parse(Cli({"show", "1", "--unread", "--json"}).out);
-    ASSERT_EQ(json["items"].size(), 2u);
+    ASSERT_EQ(json["items"].size(), 3u);
     EXPECT_EQ(json["items"][0], nlohmann::json::parse(R"({"title": "Two",
         "link": "http://a.example/2", "description": null, "date": "", "read": 0,
         "codePage": 0})"));
@@ -70,19 +73,24 @@ TEST_F(ReadingCommandsTest, ShowListsHeadlinesFromTheCachedFeed) {
 TEST_F(ReadingCommandsTest, MarkWritesReadStatesIntoTheCachedFeedAndCounts) {
     EXPECT_EQ(Cli({"mark", "1", "2", "3", "--read"}).exitCode, 0);
     EXPECT_THAT(CachedFeed(), HasSubstr("<item qf_wasRead=\"yes\"><title>Two"));
-    EXPECT_THAT(CachedFeed(), HasSubstr("<item><title>Three"));
-    EXPECT_THAT(Cli({"list"}).out, HasSubstr("  1  A  0/3\n"));
-    EXPECT_EQ(Cli({"show", "1", "--unread"}).out, "   3 *                    Three\n");
+    EXPECT_THAT(CachedFeed(), HasSubstr("<item qf_wasRead=\"yes\"><title>Three"));
+    EXPECT_THAT(CachedFeed(), HasSubstr("<item qf_wasRead=\"no\"><title>Four"));
+    EXPECT_THAT(Cli({"list"}).out, HasSubstr("  1  A  1/4\n"));
+    // Each later run reads back the state of the story without a link and of the two sharing one.
+    EXPECT_EQ(Cli({"show", "1", "--unread"}).out, "   4 *                    Four\n");
+    EXPECT_EQ(Cli({"mark", "1", "4", "--read"}).exitCode, 0);
+    EXPECT_EQ(Cli({"mark", "1", "2", "--unread"}).exitCode, 0);
+    EXPECT_EQ(Cli({"show", "1", "--unread"}).out, "   2 *                    Two\n");
 
     EXPECT_EQ(Cli({"mark", "1", "--unread"}).exitCode, 0);
     EXPECT_THAT(CachedFeed(), HasSubstr("<item qf_wasRead=\"no\"><title>One"));
-    EXPECT_THAT(CachedFeed(), HasSubstr("<item qf_wasRead=\"no\"><title>Two"));
-    EXPECT_THAT(Cli({"list"}).out, HasSubstr("  1  A  3/3\n"));
+    EXPECT_THAT(CachedFeed(), HasSubstr("<item qf_wasRead=\"no\"><title>Three"));
+    EXPECT_THAT(Cli({"list"}).out, HasSubstr("  1  A  4/4\n"));
 
     const std::string before = CachedFeed();
-    const auto outOfRange = Cli({"mark", "1", "1", "4", "--read"});
+    const auto outOfRange = Cli({"mark", "1", "1", "5", "--read"});
     EXPECT_EQ(outOfRange.exitCode, 1);
-    EXPECT_THAT(outOfRange.err, HasSubstr("no story 4"));
+    EXPECT_THAT(outOfRange.err, HasSubstr("no story 5"));
     EXPECT_EQ(CachedFeed(), before);
     EXPECT_EQ(Cli({"mark", "1", "--read", "--unread"}).exitCode, 2);
     EXPECT_EQ(Cli({"mark", "1"}).exitCode, 2);

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -156,6 +157,27 @@ TEST_F(ChannelStoreFileTest, NextIdLeftAtZeroFollowsTheLargestId) {
     ASSERT_TRUE(LoadStore(store, StorePath()));
     EXPECT_EQ(store.newChannels(), 1);
     EXPECT_EQ(store.nextId(), 4);
+}
+
+// Channels sharing an id would share their cached files: the first keeps it, the later ones take
+// fresh ids. An id the file gives wins over one the load handed out for a stored 0, and channels
+// without an id (0) count as sharing it too.
+TEST_F(ChannelStoreFileTest, ChannelsSharingAnIdKeepTheFirstAndTheOthersTakeFreshIds) {
+    WriteStore(R"(<opml><head><options><channels nextID="3"/></options></head><body>
+        <outline text="A"><outline xmlUrl="http://a/" ID="5"/><outline xmlUrl="http://b/" ID="0"/>
+          <outline xmlUrl="http://c/" ID="6"/><outline xmlUrl="http://d/"/></outline>
+        <outline text="B"><outline xmlUrl="http://e/" ID="5"/><outline xmlUrl="http://f/"/>
+        </outline></body></opml>)");
+    ChannelStore store;
+    ASSERT_TRUE(LoadStore(store, StorePath()));
+    std::vector<int32_t> ids;
+    for (const auto& category : store.categories()) {
+        for (const auto& channel : category->channels()) {
+            ids.push_back(channel->id());
+        }
+    }
+    EXPECT_EQ(ids, (std::vector<int32_t>{5, 7, 6, 0, 8, 9}));
+    EXPECT_EQ(store.nextId(), 10);
 }
 
 TEST_F(ChannelStoreFileTest, MissingOrForeignFilesFailToLoad) {

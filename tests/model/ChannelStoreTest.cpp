@@ -3,6 +3,8 @@
 #include "platform/StringTable.h"
 #include "support/TestEnv.h"
 
+#include <vector>
+
 #include <gtest/gtest.h>
 
 namespace qf {
@@ -27,10 +29,10 @@ TEST(ChannelStore, LoadedIdsRaiseNextIdAndStoredZeroTakesIt) {
     Channel seven;
     Channel low;
     Channel zero;
-    store.AssignLoadedId(absent, std::nullopt);
-    store.AssignLoadedId(seven, 7);
-    store.AssignLoadedId(low, 2);
-    store.AssignLoadedId(zero, 0);
+    EXPECT_FALSE(store.AssignLoadedId(absent, std::nullopt));
+    EXPECT_FALSE(store.AssignLoadedId(seven, 7));
+    EXPECT_FALSE(store.AssignLoadedId(low, 2));
+    EXPECT_TRUE(store.AssignLoadedId(zero, 0));
 
     EXPECT_EQ(absent.id(), 0);
     EXPECT_EQ(seven.id(), 7);
@@ -108,17 +110,21 @@ TEST(ChannelStore, AddChannelGoesToShownCategoryOrFirstWhenOutOfRange) {
     EXPECT_NE(store.AddChannel(WString(u"http://c/"), WString(u"c")), nullptr);
 }
 
-TEST(ChannelStore, MergeCopiesNewChannelsIntoCategoriesOfTheSameName) {
+// Each copy keeps its id only when no other channel has it, or it would share their cached files.
+TEST(ChannelStore, MergeCopiesNewChannelsIntoCategoriesOfTheSameNameEachWithItsOwnId) {
     ChannelStore store;
     store.SetNextId(10);
     Category& news = AddCategory(store, u"News");
     news.AddChannel(MakeChannel(u"http://known/", 1));
+    news.AddChannel(MakeChannel(u"http://eleven/", 11));
 
     ChannelStore::CategoryList source;
     source.push_back(std::make_unique<Category>(WString(u"NEWS")));
-    source[0]->AddChannel(MakeChannel(u"HTTP://KNOWN/"));
+    source[0]->AddChannel(MakeChannel(u"HTTP://KNOWN/", 1));
     source[0]->AddChannel(MakeChannel(u"http://fresh/"));
     source[0]->AddChannel(MakeChannel(u"http://kept-id/", 42));
+    source[0]->AddChannel(MakeChannel(u"http://taken-id/", 1));
+    source[0]->AddChannel(MakeChannel(u"http://id-of-an-earlier-copy/", 42));
     source[0]->ChannelAt(1)->AddItem(std::make_unique<NewsItem>());
     source.push_back(std::make_unique<Category>(WString(u"Empty")));
     source.push_back(std::make_unique<Category>(WString(u"Sport")));
@@ -127,18 +133,21 @@ TEST(ChannelStore, MergeCopiesNewChannelsIntoCategoriesOfTheSameName) {
     EXPECT_TRUE(store.MergeCategories(source));
 
     ASSERT_EQ(store.categories().size(), 2u);
-    ASSERT_EQ(news.channels().size(), 3u);
-    EXPECT_EQ(news.ChannelAt(1)->xmlUrl(), u"http://fresh/");
-    EXPECT_EQ(news.ChannelAt(1)->id(), 10);
-    EXPECT_TRUE(news.ChannelAt(1)->items().empty());
-    EXPECT_EQ(news.ChannelAt(2)->id(), 42);
+    ASSERT_EQ(news.channels().size(), 6u);
+    EXPECT_EQ(news.ChannelAt(2)->xmlUrl(), u"http://fresh/");
+    EXPECT_TRUE(news.ChannelAt(2)->items().empty());
+    std::vector<int32_t> ids;
+    for (const auto& channel : news.channels()) {
+        ids.push_back(channel->id());
+    }
+    EXPECT_EQ(ids, (std::vector<int32_t>{1, 11, 10, 42, 12, 13}));
     EXPECT_TRUE(store.Contains(u"HTTP://FRESH/"));
     EXPECT_EQ(store.categories()[1]->name(), u"Sport");
-    EXPECT_EQ(store.categories()[1]->ChannelAt(0)->id(), 11);
-    EXPECT_EQ(store.nextId(), 12);
+    EXPECT_EQ(store.categories()[1]->ChannelAt(0)->id(), 14);
+    EXPECT_EQ(store.nextId(), 43);
     // The source keeps its records.
-    EXPECT_EQ(source[0]->channels().size(), 3u);
-    EXPECT_NE(news.ChannelAt(1), source[0]->ChannelAt(1));
+    EXPECT_EQ(source[0]->channels().size(), 5u);
+    EXPECT_NE(news.ChannelAt(2), source[0]->ChannelAt(1));
 }
 
 TEST(ChannelStore, RemoveSearchesOnlyTheShownCategoryWhenOneIsShown) {

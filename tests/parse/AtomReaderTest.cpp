@@ -53,6 +53,7 @@ TEST(AtomReader, ReadsFeedDateIconAndEntryFields) {
     EXPECT_EQ(channel.image().url(), u"http://a/i.ico");
     EXPECT_EQ(channel.image().localFile(), u"Image3.ico");
     EXPECT_EQ(feed.item(0).title(), u"E");
+    EXPECT_EQ(feed.item(0).guid(), u"urn:1");
     EXPECT_TRUE(feed.item(0).isRead());
     EXPECT_EQ(feed.item(0).date().time().day, 16);
     EXPECT_EQ(feed.item(0).description(), u"<b>x</b>");

@@ -1,8 +1,13 @@
 #include "parse/ReadState.h"
 
 #include "parse/Charset.h"
+#include "platform/AtomicFile.h"
+#include "platform/Text.h"
 #include "support/ParsedFeed.h"
 #include "support/TestEnv.h"
+
+#include <array>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -59,27 +64,117 @@ TEST_F(CarryReadStatesTest, StateSurvivesExactlyWhenLinkAndShownDateMatch) {
     EXPECT_EQ(channel.newItemCount(), 3);
 }
 
-TEST(WriteReadStates, StampsEachElementFromTheFirstStoryWithItsKey) {
+// Stories that have no link of their own, in RSS and in Atom: two known by their guids (ids in
+// Atom) though their titles are alike, one known only by its title, two sharing a link (and a
+// date) and one whose link is empty. `fresh` is a story that a later download adds in front,
+// empty link and a title like the others.
+struct LinklessStories {
+    std::u16string_view head;
+    std::u16string_view fresh;
+    std::u16string_view stories;
+    std::u16string_view tail;
+
+    std::u16string Feed(bool withFresh) const {
+        return std::u16string(head) + std::u16string(withFresh ? fresh : u"") +
+               std::u16string(stories) + std::u16string(tail);
+    }
+};
+
+const LinklessStories kLinklessRss{
+    u"<rss><channel>", u"<item><link/><guid>urn:0</guid><title>Same</title></item>",
+    u"<item><guid>urn:1</guid><title>Same</title></item>"
+    u"<item><guid>urn:2</guid><title>Same</title></item>"
+    u"<item><title>Only a title</title></item>"
+    u"<item><link>http://a/shared</link><pubDate>Mon, 22 Oct 2007 10:00:00 GMT</pubDate></item>"
+    u"<item><link>HTTP://A/SHARED</link><pubDate>Mon, 22 Oct 2007 10:00:00 GMT</pubDate></item>"
+    u"<item><link></link><guid>urn:6</guid></item>",
+    u"</channel></rss>"};
+
+const LinklessStories kLinklessAtom{
+    u"<feed>",
+    u"<entry><link type=\"text/html\" href=\"\"/><id>urn:0</id><title>Same</title></entry>",
+    u"<entry><id>urn:1</id><title>Same</title></entry>"
+    u"<entry><id>urn:2</id><title>Same</title></entry>"
+    u"<entry><title>Only a title</title></entry>"
+    u"<entry><link type=\"text/html\" href=\"http://a/shared\"/></entry>"
+    u"<entry><link type=\"text/html\" href=\"http://a/shared\"/></entry>"
+    u"<entry><link type=\"text/html\" href=\"\"/><id>urn:6</id></entry>",
+    u"</feed>"};
+
+constexpr std::array<bool, 6> kLinklessRead = {false, true, true, false, true, true};
+
+std::vector<bool> ReadFlags(const Channel& channel) {
+    std::vector<bool> flags;
+    for (const auto& item : channel.items()) {
+        flags.push_back(item->isRead());
+    }
+    return flags;
+}
+
+void MarkLinklessRead(Channel& channel) {
+    for (std::size_t i = 0; i < kLinklessRead.size(); ++i) {
+        channel.items().at(i)->SetRead(kLinklessRead[i] ? 1 : 0);
+    }
+}
+
+TEST(WriteReadStates, StampsTheNthElementWithAKeyFromTheNthStoryWithIt) {
     ParsedFeed feed(u"<rss><channel><item qf_wasRead=\"maybe\"><link>http://a/1</link></item>"
                     u"<item><link>http://a/2</link></item><item><link>HTTP://A/1</link></item>"
-                    u"<item><title>no key</title></item></channel>"
-                    u"<item><link>http://a/2</link></item></rss>");
+                    u"<item><description>no key</description></item></channel>"
+                    u"<item><link>http://a/3</link></item></rss>");
     ASSERT_TRUE(feed.parsed);
     feed.channel.items()[0]->SetRead(1);
     feed.channel.items()[2]->SetRead(0);
-    feed.channel.AddItem(Story(u"http://a/other", u"", false));
+    feed.channel.AddItem(Story(u"http://a/3", u"", true));
 
     EXPECT_TRUE(WriteReadStates(feed.document, feed.channel));
     XmlNodeList items = feed.document.ElementsByTagName(u"item");
     EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"yes");
     EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"no");
-    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"yes");
+    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"no");
     EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"<none>");
     // Every element of the name counts, wherever it stands.
-    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"no");
+    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"yes");
 
     feed.channel.SetFeedType(kFeedUnknown);
     EXPECT_FALSE(WriteReadStates(feed.document, feed.channel));
+}
+
+TEST(WriteReadStates, StoriesWithoutOwnLinksKeepTheirStatesInTheCachedFeed) {
+    const test::TempDir dir;
+    const std::u16string path = FromFsPath(dir / "Channel1.xml");
+    for (const LinklessStories* dialect : {&kLinklessRss, &kLinklessAtom}) {
+        SCOPED_TRACE(Utf16ToUtf8(dialect->head));
+        ParsedFeed feed(dialect->Feed(false));
+        ASSERT_TRUE(feed.parsed);
+        MarkLinklessRead(feed.channel);
+        ASSERT_TRUE(WriteReadStates(feed.document, feed.channel));
+        ASSERT_TRUE(feed.document.Save(path));
+
+        XmlDocument cached;
+        Channel reloaded;
+        ASSERT_TRUE(cached.LoadFile(path));
+        ASSERT_TRUE(ParseFeed(cached, reloaded, false));
+        EXPECT_EQ(ReadFlags(reloaded), ReadFlags(feed.channel));
+        EXPECT_EQ(reloaded.newItemCount(), 2);
+    }
+}
+
+TEST_F(CarryReadStatesTest, StoriesWithoutOwnLinksKeepTheirStatesAcrossARefresh) {
+    for (const LinklessStories* dialect : {&kLinklessRss, &kLinklessAtom}) {
+        SCOPED_TRACE(Utf16ToUtf8(dialect->head));
+        ParsedFeed old(dialect->Feed(false));
+        ASSERT_TRUE(old.parsed);
+        MarkLinklessRead(old.channel);
+        ParsedFeed fresh(dialect->Feed(true));
+        ASSERT_TRUE(fresh.parsed);
+
+        EXPECT_TRUE(CarryReadStates(old.channel.items(), fresh.channel));
+        std::vector<bool> expected = ReadFlags(old.channel);
+        expected.insert(expected.begin(), false);
+        EXPECT_EQ(ReadFlags(fresh.channel), expected);
+        EXPECT_EQ(fresh.channel.newItemCount(), 3);
+    }
 }
 
 } // namespace

@@ -34,6 +34,7 @@ TEST(RssReader, ReadsChannelImageAndStoriesWhateverTheCaseOfTheirNames) {
     EXPECT_EQ(feed.item(0).date().FormatRfc822(), u"Tue, 23 Oct 2007 08:00:00 GMT");
     EXPECT_EQ(feed.item(0).description(), u"<p>Hi</p>");
     EXPECT_EQ(feed.item(1).title(), u"last");
+    EXPECT_EQ(feed.item(0).guid(), u"g1");
     EXPECT_TRUE(feed.item(1).link().isNull()); // the guid never stands in for the link
 }
 
@@ -100,7 +101,8 @@ TEST(FeedReader, UnknownTopLevelElementFailsWithTypeZero) {
 
 TEST(FeedReader, ItemKeyIsTheFirstLinkWhileTheStoryKeepsTheLast) {
     const ParsedFeed feed(u"<rss><channel><item><guid>g</guid><link>http://a/1</link>"
-                          u"<link>http://a/2</link></item><item><guid>g</guid></item>"
+                          u"<link>http://a/2</link></item><item><link> </link><guid>g</guid>"
+                          u"<title>t</title></item><item><description>d</description></item>"
                           u"</channel></rss>");
     ASSERT_TRUE(feed.parsed);
     XmlNodeList items = feed.document.ElementsByTagName(u"item");
@@ -108,6 +110,12 @@ TEST(FeedReader, ItemKeyIsTheFirstLinkWhileTheStoryKeepsTheLast) {
     EXPECT_TRUE(ItemKey(feed.document, XmlDocument::ListNext(items), key, kFeedRss));
     EXPECT_EQ(key, u"http://a/1");
     EXPECT_EQ(feed.item(0).link(), u"http://a/2");
+    EXPECT_EQ(feed.item(0).key(), u"http://a/2");
+    // A blank link is none: the guid stands in for it, in the key only.
+    EXPECT_TRUE(ItemKey(feed.document, XmlDocument::ListNext(items), key, kFeedRss));
+    EXPECT_EQ(key, u"g");
+    EXPECT_EQ(feed.item(1).key(), u"g");
+    EXPECT_EQ(feed.item(1).link(), u" ");
     EXPECT_FALSE(ItemKey(feed.document, XmlDocument::ListNext(items), key, kFeedRss));
     EXPECT_EQ(key, u"");
 }
