@@ -122,4 +122,27 @@ bool CarryReadStates(const Channel::ItemList& oldItems, Channel& channel) {
     return carried;
 }
 
+NewsItem* SameStory(const Channel::ItemList& before, const NewsItem& story,
+                    const Channel::ItemList& now) {
+    const std::u16string text = MatchText(story, true);
+    if (text.empty()) {
+        return nullptr;
+    }
+    std::size_t turn = 0;
+    for (const auto& item : before) {
+        if (item.get() == &story) {
+            break;
+        }
+        if (item && MatchText(*item, true) == text) {
+            ++turn;
+        }
+    }
+    for (const auto& item : now) {
+        if (item && MatchText(*item, true) == text && turn-- == 0) {
+            return item.get();
+        }
+    }
+    return nullptr;
+}
+
 } // namespace qf

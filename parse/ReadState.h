@@ -23,4 +23,10 @@ bool WriteReadStates(XmlDocument& document, const Channel& channel);
 // again; answers whether any was.
 bool CarryReadStates(const Channel::ItemList& oldItems, Channel& channel);
 
+// After a refresh replaced the stories `before` with `now`: the story of `now` that stands for
+// `story`, one of `before`, by the same rule as the carried read flags (the same key and date, in
+// the same turn among stories that share them); nullptr when the refresh left none.
+NewsItem* SameStory(const Channel::ItemList& before, const NewsItem& story,
+                    const Channel::ItemList& now);
+
 } // namespace qf

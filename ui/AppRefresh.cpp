@@ -1,4 +1,4 @@
-#include "parse/SameStory.h"
+#include "parse/ReadState.h"
 #include "platform/Text.h"
 #include "ui/App.h"
 #include "ui/ChannelScreen.h"

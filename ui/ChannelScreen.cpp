@@ -1,7 +1,7 @@
 #include "ui/ChannelScreen.h"
 
 #include "model/ChannelStore.h"
-#include "parse/SameStory.h"
+#include "parse/ReadState.h"
 #include "render/ChannelPage.h"
 #include "ui/CommandIds.h"
 #include "ui/HtmlView.h"
