@@ -143,7 +143,10 @@ private:
 // its field as it was.
 class StoreReader {
 public:
-    StoreReader(XmlDocument& document, ChannelStore& store) : document_(document), store_(store) {}
+    // `settleIds` for the store file itself: channels that share an id are given ids of their
+    // own. An imported file is read without, and its channels get their ids as they are merged.
+    StoreReader(XmlDocument& document, ChannelStore& store, bool settleIds)
+        : document_(document), store_(store), settleIds_(settleIds) {}
 
     bool Read() {
         const XmlNode root = document_.FirstElementChild(document_.RootNode());
@@ -160,7 +163,9 @@ public:
             }
         }
         // Only now, with every id of the file known, can a shared one be told from a free one.
-        store_.RenumberSharedIds(handedOut_);
+        if (settleIds_) {
+            store_.RenumberSharedIds(handedOut_);
+        }
         if (store_.nextId() == 0) {
             store_.RecomputeNextId();
         }
@@ -314,6 +319,7 @@ private:
 
     XmlDocument& document_;
     ChannelStore& store_;
+    bool settleIds_;
     // The channels whose id the load handed out, for a stored 0.
     std::vector<const Channel*> handedOut_;
 };
@@ -372,7 +378,7 @@ bool LoadStore(ChannelStore& store, std::u16string_view path) {
         return false;
     }
     XmlDocument document;
-    if (!document.LoadFile(path) || !ReadStoreDocument(document, store)) {
+    if (!document.LoadFile(path) || !StoreReader(document, store, true).Read()) {
         store.SetUnreadableStorePath(std::u16string(path));
         return false;
     }
@@ -380,7 +386,7 @@ bool LoadStore(ChannelStore& store, std::u16string_view path) {
 }
 
 bool ReadStoreDocument(XmlDocument& document, ChannelStore& store) {
-    return StoreReader(document, store).Read();
+    return StoreReader(document, store, false).Read();
 }
 
 bool SaveStore(ChannelStore& store, std::u16string_view path, std::u16string* notice) {

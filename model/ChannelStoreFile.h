@@ -23,7 +23,8 @@ bool LoadStore(ChannelStore& store, std::u16string_view path);
 // Reads a parsed OPML document into the store: the options of its head, and its categories and
 // channels, nested groups flattened into their top category and channels outside any category
 // into "Default". Fails only when the top-level element is not `opml`. OPML import reads through
-// this too.
+// this; unlike loading the store file, it leaves ids that channels share as they are (merging
+// the channels into the store gives them ids of their own).
 bool ReadStoreDocument(XmlDocument& document, ChannelStore& store);
 
 // Writes the whole store to `path`, atomically. When that path holds a store file that could not
