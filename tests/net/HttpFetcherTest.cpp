@@ -10,10 +10,7 @@
 
 #include <array>
 #include <memory>
-#include <netinet/in.h>
 #include <stdexcept>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -21,6 +18,7 @@ namespace qf {
 namespace {
 
 using Stage = std::array<int32_t, 3>; // stage, total, bytes so far
+using test::ClosedPort;
 using test::Route;
 
 std::string Pattern(std::size_t size) {
@@ -29,19 +27,6 @@ std::string Pattern(std::size_t size) {
         text[i] = static_cast<char>('a' + i % 26);
     }
     return text;
-}
-
-// A port on 127.0.0.1 where nothing listens.
-uint16_t ClosedPort() {
-    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    ::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
-    ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-    ::close(fd);
-    return ntohs(address.sin_port);
 }
 
 class HttpFetcherTest : public ::testing::Test {
