@@ -83,10 +83,6 @@ private:
     RefreshProgress progress_;
 };
 
-bool UntouchedByFetcher(const HttpFetcher& fetcher) {
-    return fetcher.Url().scheme == kSchemeFile || fetcher.Url().scheme == kSchemeFtp;
-}
-
 // Downloads the logo beside its cached copy; whatever goes wrong is ignored.
 void FetchImage(const ChannelJob& job, const Channel& parsed, HttpFetcher& fetcher,
                 const FetchSettings& settings, ChannelResult& result) {
@@ -100,7 +96,7 @@ void FetchImage(const ChannelJob& job, const Channel& parsed, HttpFetcher& fetch
         return;
     }
     if (fetcher.Download(settings, image.url().view(), temp->path(), job.userName, job.password) &&
-        !UntouchedByFetcher(fetcher)) {
+        !fetcher.NothingFetched()) {
         result.image = std::move(temp);
         result.imagePath = *path;
     }
@@ -174,7 +170,7 @@ ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSett
         return result;
     }
     // ftp and file addresses leave the cached feed as it is, and that is what is read.
-    const bool untouched = UntouchedByFetcher(fetcher);
+    const bool untouched = fetcher.NothingFetched();
     progress.Stage(kStrStageParseFeed);
     result.parsed = std::move(job.snapshot);
     if (!LoadFeedFile(untouched ? feedPath.value_or(u"") : target, *result.parsed, job.takeTitle)) {

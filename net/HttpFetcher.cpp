@@ -173,12 +173,17 @@ bool HttpFetcher::CloseSession() {
 bool HttpFetcher::Download(const FetchSettings& settings, std::u16string_view url,
                            std::u16string_view localPath, std::u16string_view userName,
                            std::u16string_view password, const ProgressCallback& progress) {
+    nothingFetched_ = false;
+    // Cracked as by a fresh fetcher: an address without a scheme must not inherit the scheme of
+    // whatever this fetcher fetched before.
+    url_ = UrlParts{};
     if (!IsSupportedUrl(url)) {
         errorCode_ = kErrorUnsupportedScheme;
         return false;
     }
     if (url_.scheme == kSchemeFile || url_.scheme == kSchemeFtp) {
         // Such channels are deliberately treated as up to date.
+        nothingFetched_ = true;
         return true;
     }
     const Job job{settings, localPath, userName, password, progress};

@@ -136,19 +136,26 @@ TEST_F(HttpFetcherTest, ThirdRedirectFailsWithItsStatus) {
     EXPECT_FALSE(std::filesystem::exists(file));
 }
 
-// A missing scheme means http for a fresh fetcher, a quoted Location loses its quotes, and a
-// redirect to ftp is requested over http.
+// A missing scheme means http whatever the fetcher fetched before, a quoted Location loses its
+// quotes, and a redirect to ftp or file is requested over http and saved.
 TEST_F(HttpFetcherTest, OddAddressFormsStillReachTheFeedOverHttp) {
     Serve("/feed.xml");
     const std::u16string hostAndPort = u"127.0.0.1:" + AsciiToUtf16(std::to_string(server->port()));
     Redirect("/quoted", 302, u"\"" + server->url("/feed.xml") + u"\"");
     Redirect("/to-ftp", 301, u"ftp://" + hostAndPort + u"/feed.xml");
-    for (const std::u16string& url :
-         {hostAndPort + u"/feed.xml", server->url("/quoted"), server->url("/to-ftp")}) {
-        SCOPED_TRACE(Utf16ToUtf8(url));
-        std::filesystem::remove(file);
-        EXPECT_TRUE(Download(url));
-        EXPECT_EQ(test::ReadFileBytes(file), "<rss/>");
+    Redirect("/to-file", 302, u"file://" + hostAndPort + u"/feed.xml");
+    const std::u16string secure =
+        u"https://127.0.0.1:" + AsciiToUtf16(std::to_string(ClosedPort())) + u"/feed.xml";
+    for (const std::u16string& before : {std::u16string(u"file:///feeds/local.xml"), secure}) {
+        for (const std::u16string& url : {hostAndPort + u"/feed.xml", server->url("/quoted"),
+                                          server->url("/to-ftp"), server->url("/to-file")}) {
+            SCOPED_TRACE(Utf16ToUtf8(before + u" then " + url));
+            Download(before);
+            std::filesystem::remove(file);
+            EXPECT_TRUE(Download(url));
+            EXPECT_FALSE(fetcher.NothingFetched());
+            EXPECT_EQ(test::ReadFileBytes(file), "<rss/>");
+        }
     }
 }
 
@@ -178,6 +185,7 @@ TEST_F(HttpFetcherTest, FileAndFtpAddressesSucceedWithoutAnyRequest) {
     HttpFetcher unopened;
     for (const std::u16string url : {u"file:///feeds/local.xml", u"ftp://127.0.0.1/feed.xml"}) {
         EXPECT_TRUE(unopened.Download(settings, url, FromFsPath(file), u"", u""));
+        EXPECT_TRUE(unopened.NothingFetched());
     }
     EXPECT_FALSE(std::filesystem::exists(file.parent_path()));
     EXPECT_EQ(server->connections(), 0);

@@ -229,6 +229,44 @@ TEST_F(RefreshEngineTest, StopEndsTheRunInTheCurrentChannelAndKeepsItsCachedFeed
     EXPECT_EQ(store.stopRequested(), 0);
 }
 
+// Refresh-all downloads one channel after the other on one fetcher here, as its threads may.
+TEST_F(RefreshEngineTest, EveryChannelIsFetchedFromItsOwnAddressWhateverCameBefore) {
+    const std::u16string hostAndPort = u"127.0.0.1:" + AsciiToUtf16(std::to_string(server.port()));
+    const std::u16string closed = u"127.0.0.1:" + AsciiToUtf16(std::to_string(test::ClosedPort()));
+    Channel& local = AddChannel("News", "");
+    local.SetXmlUrl(WString(u"file:///feeds/local.xml"));
+    Channel& bareAfterFile = AddChannel("News", "");
+    bareAfterFile.SetXmlUrl(WString(hostAndPort + u"/one"));
+    Channel& secure = AddChannel("News", "");
+    secure.SetXmlUrl(WString(u"https://" + closed + u"/secure"));
+    Channel& bareAfterHttps = AddChannel("News", "");
+    bareAfterHttps.SetXmlUrl(WString(hostAndPort + u"/two"));
+    // The server sends it to a file address, which is then requested over http.
+    Channel& moved = AddChannel("News", "/moved");
+    server.addRoute(
+        {.path = "/moved",
+         .status = 302,
+         .headers = {{"Location", "file://" + Utf16ToUtf8(hostAndPort) + "/feed.xml"}}});
+    std::filesystem::create_directories(CachedFeed(moved).parent_path());
+    test::WriteFileBytes(CachedFeed(moved), Rss(1));
+    Serve("/one", Rss(2));
+    Serve("/two", Rss(3));
+    Serve("/feed.xml", Rss(4));
+    RefreshEngine oneAtATime{store, observer, {.timeout = 5s, .parallelDownloads = 1}};
+
+    observer.finished = false;
+    ASSERT_TRUE(oneAtATime.StartRefreshAll(true));
+    observer.RunUntil([this] { return observer.finished; });
+
+    EXPECT_EQ(observer.begun, (std::vector<int32_t>{local.id(), bareAfterFile.id(), secure.id(),
+                                                    bareAfterHttps.id(), moved.id()}));
+    EXPECT_EQ(bareAfterFile.itemCount(), 2);
+    EXPECT_EQ(secure.state(), kChannelFailed);
+    EXPECT_EQ(bareAfterHttps.itemCount(), 3);
+    EXPECT_EQ(moved.itemCount(), 4);
+    EXPECT_EQ(test::ReadFileBytes(CachedFeed(moved)), Rss(4));
+}
+
 TEST_F(RefreshEngineTest, DueChannelsFollowTheirIntervalStrictly) {
     store.SetUpdateValue(1);
     store.SetUpdateUnit(kUnitMinutes);
