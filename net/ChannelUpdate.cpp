@@ -140,6 +140,7 @@ ChannelJob MakeChannelJob(const ChannelStore& store, Channel& channel, int32_t m
     job.volume = store.settings().storageVolume().str();
     job.cacheFile = channel.cacheFile();
     job.takeTitle = mergeOption != 0;
+    job.previousState = channel.state();
     job.snapshot = FeedFieldsOf(channel);
     return job;
 }
@@ -149,6 +150,11 @@ void BeginChannelUpdate(Channel& channel, RefreshObserver& observer) {
     observer.RedrawChannel(channel);
 }
 
+void AbandonChannelUpdate(Channel& channel, int32_t previousState, RefreshObserver& observer) {
+    channel.SetState(previousState);
+    observer.UpdateAbandoned(channel);
+}
+
 ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSettings& settings,
                            RefreshObserver& observer) {
     ChannelResult result;
@@ -156,6 +162,7 @@ ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSett
     result.id = job.id;
     result.volume = job.volume;
     result.takeTitle = job.takeTitle;
+    result.previousState = job.previousState;
     ProgressReporter progress(job, observer);
     progress.Stage(kStrStageDownloadFeed);
 
@@ -167,6 +174,9 @@ ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSett
     if (!fetcher.Download(settings, job.url, target, job.userName, job.password,
                           progress.Bytes())) {
         result.errorCode = fetcher.ErrorCode();
+        if (fetcher.StoppedBeforeAnswer()) {
+            result.outcome = UpdateOutcome::kStopped;
+        }
         return result;
     }
     // ftp and file addresses leave the cached feed as it is, and that is what is read.
@@ -202,6 +212,10 @@ bool ApplyChannelResult(ChannelStore& store, RefreshObserver& observer, ChannelR
                         const RefreshCompletion& completion) {
     Channel* live = FindLiveChannel(store, result.channel, result.id);
     if (live == nullptr) {
+        return false;
+    }
+    if (result.outcome == UpdateOutcome::kStopped) {
+        AbandonChannelUpdate(*live, result.previousState, observer);
         return false;
     }
     if (result.outcome != UpdateOutcome::kUpdated) {

@@ -9,8 +9,10 @@
 #include "support/TestServer.h"
 
 #include <array>
+#include <chrono>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -242,14 +244,39 @@ TEST_F(HttpFetcherTest, StopFlagEndsAnEndlessBodyAfterTheCurrentBlockAndKeepsThe
     EXPECT_EQ(test::ReadFileBytes(file).size(), static_cast<std::size_t>(saved));
 }
 
-TEST_F(HttpFetcherTest, AbortFlagAlreadySetLeavesAnEmptyFileAndSucceeds) {
-    Serve("/feed.xml", Pattern(3000));
+// Neither a success nor a failure: the request ends without sending or without waiting for the
+// answer, however long the time-out.
+TEST_F(HttpFetcherTest, StopBeforeTheAnswerEndsTheRequestAtOnce) {
+    server->addRoute({.path = "/silent", .mode = Route::Body::Silent});
+    fetcher.CloseSession();
+    settings.timeout = std::chrono::minutes(10);
+    ASSERT_TRUE(fetcher.OpenSession(settings));
     std::atomic<int32_t> abort{1};
+    std::atomic<int32_t> stop{0};
     settings.abortRequested = &abort;
+    settings.stopRequested = &stop;
 
+    EXPECT_FALSE(Download(server->url("/silent")));
+    EXPECT_TRUE(fetcher.StoppedBeforeAnswer());
+    EXPECT_EQ(server->hits("/silent"), 0);
+
+    abort = 0;
+    const std::jthread stopper([&] {
+        if (server->awaitHits("/silent", 1)) {
+            stop = 1;
+        }
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(Download(server->url("/silent")));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+    EXPECT_TRUE(fetcher.StoppedBeforeAnswer());
+    EXPECT_EQ(fetcher.ErrorCode(), kErrorOperationCancelled);
+    EXPECT_FALSE(std::filesystem::exists(file));
+
+    stop = 0;
+    Serve("/feed.xml");
     EXPECT_TRUE(Download(server->url("/feed.xml")));
-    EXPECT_TRUE(std::filesystem::exists(file));
-    EXPECT_EQ(std::filesystem::file_size(file), 0u);
+    EXPECT_FALSE(fetcher.StoppedBeforeAnswer());
 }
 
 TEST_F(HttpFetcherTest, LocalFileThatCannotBeCreatedStillCountsAsSuccess) {
