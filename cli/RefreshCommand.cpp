@@ -31,6 +31,8 @@ public:
             ended_.push_back(&channel);
         }
     }
+    // Neither updated nor failed: no result line.
+    void UpdateAbandoned(const Channel&) override {}
     void RefreshAllFinished() override { allFinished_ = true; }
 
     // Runs the hand-overs until the refresh of all channels has finished.

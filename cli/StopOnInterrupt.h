@@ -9,8 +9,9 @@ class ChannelStore;
 namespace qf::cli {
 
 // Ctrl+C as the stop button of a refresh: while the object lives, the first SIGINT sets the
-// store's stopRequested and abortRequested, so the refresh ends after its current block and the
-// command can still save everything; a second one ends the program at once. One at a time.
+// store's stopRequested and abortRequested, so the download in flight ends within about a second
+// (also one still waiting for its answer) and the command can still save everything; a second
+// one ends the program at once. One at a time.
 class StopOnInterrupt {
 public:
     explicit StopOnInterrupt(ChannelStore& store);

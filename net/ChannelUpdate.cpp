@@ -83,10 +83,6 @@ private:
     RefreshProgress progress_;
 };
 
-bool UntouchedByFetcher(const HttpFetcher& fetcher) {
-    return fetcher.Url().scheme == kSchemeFile || fetcher.Url().scheme == kSchemeFtp;
-}
-
 // Downloads the logo beside its cached copy; whatever goes wrong is ignored.
 void FetchImage(const ChannelJob& job, const Channel& parsed, HttpFetcher& fetcher,
                 const FetchSettings& settings, ChannelResult& result) {
@@ -100,7 +96,7 @@ void FetchImage(const ChannelJob& job, const Channel& parsed, HttpFetcher& fetch
         return;
     }
     if (fetcher.Download(settings, image.url().view(), temp->path(), job.userName, job.password) &&
-        !UntouchedByFetcher(fetcher)) {
+        !fetcher.NothingFetched()) {
         result.image = std::move(temp);
         result.imagePath = *path;
     }
@@ -144,6 +140,7 @@ ChannelJob MakeChannelJob(const ChannelStore& store, Channel& channel, int32_t m
     job.volume = store.settings().storageVolume().str();
     job.cacheFile = channel.cacheFile();
     job.takeTitle = mergeOption != 0;
+    job.previousState = channel.state();
     job.snapshot = FeedFieldsOf(channel);
     return job;
 }
@@ -153,6 +150,11 @@ void BeginChannelUpdate(Channel& channel, RefreshObserver& observer) {
     observer.RedrawChannel(channel);
 }
 
+void AbandonChannelUpdate(Channel& channel, int32_t previousState, RefreshObserver& observer) {
+    channel.SetState(previousState);
+    observer.UpdateAbandoned(channel);
+}
+
 ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSettings& settings,
                            RefreshObserver& observer) {
     ChannelResult result;
@@ -160,6 +162,7 @@ ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSett
     result.id = job.id;
     result.volume = job.volume;
     result.takeTitle = job.takeTitle;
+    result.previousState = job.previousState;
     ProgressReporter progress(job, observer);
     progress.Stage(kStrStageDownloadFeed);
 
@@ -171,10 +174,13 @@ ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSett
     if (!fetcher.Download(settings, job.url, target, job.userName, job.password,
                           progress.Bytes())) {
         result.errorCode = fetcher.ErrorCode();
+        if (fetcher.StoppedBeforeAnswer()) {
+            result.outcome = UpdateOutcome::kStopped;
+        }
         return result;
     }
     // ftp and file addresses leave the cached feed as it is, and that is what is read.
-    const bool untouched = UntouchedByFetcher(fetcher);
+    const bool untouched = fetcher.NothingFetched();
     progress.Stage(kStrStageParseFeed);
     result.parsed = std::move(job.snapshot);
     if (!LoadFeedFile(untouched ? feedPath.value_or(u"") : target, *result.parsed, job.takeTitle)) {
@@ -206,6 +212,10 @@ bool ApplyChannelResult(ChannelStore& store, RefreshObserver& observer, ChannelR
                         const RefreshCompletion& completion) {
     Channel* live = FindLiveChannel(store, result.channel, result.id);
     if (live == nullptr) {
+        return false;
+    }
+    if (result.outcome == UpdateOutcome::kStopped) {
+        AbandonChannelUpdate(*live, result.previousState, observer);
         return false;
     }
     if (result.outcome != UpdateOutcome::kUpdated) {

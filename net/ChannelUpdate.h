@@ -31,6 +31,9 @@ struct ChannelJob {
     std::u16string volume;
     WString cacheFile;
     bool takeTitle = false;
+    // The channel's state before this update began, put back when the update ends without an
+    // outcome.
+    int32_t previousState = kChannelIdle;
     // The channel's feed fields without its stories; the feed is parsed into it.
     std::unique_ptr<Channel> snapshot;
     // For progress: the place among the channels of a refresh of all channels, and their number.
@@ -42,6 +45,8 @@ enum class UpdateOutcome {
     kDownloadFailed,
     kParseFailed,
     kUpdated,
+    // A stop ended the download before its answer came: neither a success nor a failure.
+    kStopped,
 };
 
 struct ChannelResult {
@@ -50,6 +55,7 @@ struct ChannelResult {
     std::u16string volume;
     UpdateOutcome outcome = UpdateOutcome::kDownloadFailed;
     int32_t errorCode = 0;
+    int32_t previousState = kChannelIdle;
     bool takeTitle = false;
     // The channel as parsed from the download, stories included.
     std::unique_ptr<Channel> parsed;
@@ -68,6 +74,10 @@ ChannelJob MakeChannelJob(const ChannelStore& store, Channel& channel, int32_t m
 // Owner thread: the channel shows that it is being updated.
 void BeginChannelUpdate(Channel& channel, RefreshObserver& observer);
 
+// Owner thread: an update that ends without an outcome (stopped before its answer, or its worker
+// never started) puts the channel back in the state it had before; nothing else was touched.
+void AbandonChannelUpdate(Channel& channel, int32_t previousState, RefreshObserver& observer);
+
 // Worker thread: downloads the feed into a file beside the cached feed and parses it, then
 // fetches the logo the feed names. Only the job's own copies are read.
 ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSettings& settings,
@@ -79,8 +89,9 @@ Channel* FindLiveChannel(const ChannelStore& store, const Channel* channel, int3
 // Owner thread: applies the outcome to the live channel, one result at a time. On success the
 // read states of the stories it had (read from its cached feed when they were not in memory) are
 // carried over, the download replaces the cached feed, the stories are swapped, and `completion`
-// (when set) is asked for; a failure records its error text and keeps stories and cached feed.
-// Answers whether the channel was updated; false also when the store no longer holds it.
+// (when set) is asked for; a failure records its error text and keeps stories and cached feed; a
+// stopped update leaves the channel as it was before it began. Answers whether the channel was
+// updated; false also when the store no longer holds it.
 bool ApplyChannelResult(ChannelStore& store, RefreshObserver& observer, ChannelResult result,
                         const RefreshCompletion& completion);
 

@@ -56,7 +56,7 @@ int32_t Clamped(int64_t value) {
 }
 
 // Streams the body of a 200 answer into the local file block by block, watching the stop flags
-// between blocks.
+// between blocks and, through the transfer's regular checks, before the answer comes.
 class BodyWriter : public ResponseReceiver {
 public:
     BodyWriter(const FetchSettings& settings, std::u16string_view localPath,
@@ -65,9 +65,7 @@ public:
 
     bool OnHead(const ResponseHead& head) override;
     bool OnBlock(std::string_view block) override;
-    bool ShouldStop() override {
-        return (file_ != nullptr && StopFlagSet()) || IsSet(settings_.cancelRequested);
-    }
+    bool ShouldStop() override { return StopFlagSet(); }
 
     // Closes the file and reports the final total, when a body was being saved.
     void Finish();
@@ -80,8 +78,7 @@ private:
         return flag != nullptr && flag->load() != 0;
     }
     bool StopFlagSet() const {
-        return IsSet(settings_.stopRequested) || IsSet(settings_.abortRequested) ||
-               IsSet(settings_.cancelRequested);
+        return IsSet(settings_.stopRequested) || IsSet(settings_.abortRequested);
     }
     void Report(int32_t stage) {
         if (progress_) {
@@ -173,12 +170,18 @@ bool HttpFetcher::CloseSession() {
 bool HttpFetcher::Download(const FetchSettings& settings, std::u16string_view url,
                            std::u16string_view localPath, std::u16string_view userName,
                            std::u16string_view password, const ProgressCallback& progress) {
+    nothingFetched_ = false;
+    stoppedBeforeAnswer_ = false;
+    // Cracked as by a fresh fetcher: an address without a scheme must not inherit the scheme of
+    // whatever this fetcher fetched before.
+    url_ = UrlParts{};
     if (!IsSupportedUrl(url)) {
         errorCode_ = kErrorUnsupportedScheme;
         return false;
     }
     if (url_.scheme == kSchemeFile || url_.scheme == kSchemeFtp) {
         // Such channels are deliberately treated as up to date.
+        nothingFetched_ = true;
         return true;
     }
     const Job job{settings, localPath, userName, password, progress};
@@ -219,6 +222,7 @@ bool HttpFetcher::Request(const Job& job, int depth) {
     writer.Finish();
     if (!result.headReceived) {
         errorCode_ = result.error;
+        stoppedBeforeAnswer_ = result.error == kErrorOperationCancelled;
         return false;
     }
     statusCode_ = writer.head().status;

@@ -38,18 +38,18 @@ struct FetchSettings {
     // Bounds the making of a connection and any stretch in which no byte moves. Read when the
     // session is opened.
     std::chrono::milliseconds timeout = kDefaultTimeout;
-    // The store's stop flags (not owned, may be null). A body being saved ends after the current
-    // block once either is set; what was saved stays and the download counts as done.
+    // The store's stop flags (not owned, may be null). Once either is set the request ends within
+    // about a second, also while it connects or waits for its answer. Before the answer came the
+    // download is neither done nor failed (StoppedBeforeAnswer); a body being saved ends after
+    // the current block, what was saved stays and the download counts as done.
     const std::atomic<int32_t>* stopRequested = nullptr;
     const std::atomic<int32_t>* abortRequested = nullptr;
-    // Not owned, may be null. Once set, the request ends at its next progress check (about once
-    // a second), whether it is still connecting, waiting for its answer or saving the body.
-    const std::atomic<int32_t>* cancelRequested = nullptr;
 };
 
 // Copies one web resource into a local file with a GET request. Redirects are followed here, at
 // most two. Not shared between threads; a worker may keep one fetcher and its session open over
-// several downloads so that keep-alive connections are reused.
+// several downloads so that keep-alive connections are reused. Each download cracks the address
+// it is given afresh, so none depends on the one before.
 class HttpFetcher {
 public:
     HttpFetcher();
@@ -66,15 +66,20 @@ public:
     // Always true.
     bool CloseSession();
 
-    // Fetches `url` into `localPath`, creating the file's folder. ftp and file URLs succeed at once
-    // without touching anything. Credentials are offered only when both are non-empty. On false,
-    // ErrorCode() says why; a 200 answer always counts as success, also when the local file cannot
-    // be created or the body was cut short.
+    // Fetches `url` into `localPath`, creating the file's folder. An address without a known
+    // scheme is http. ftp and file URLs succeed at once without touching anything. Credentials are
+    // offered only when both are non-empty. On false, ErrorCode() says why; a 200 answer always
+    // counts as success, also when the local file cannot be created or the body was cut short.
     bool Download(const FetchSettings& settings, std::u16string_view url,
                   std::u16string_view localPath, std::u16string_view userName,
                   std::u16string_view password, const ProgressCallback& progress = {});
 
     int32_t ErrorCode() const { return errorCode_; }
+    // The last download succeeded without a request because the address given was an ftp or file
+    // one (such channels count as up to date). A redirect to such an address is fetched as any.
+    bool NothingFetched() const { return nothingFetched_; }
+    // The last download failed because a stop flag ended it before an answer came.
+    bool StoppedBeforeAnswer() const { return stoppedBeforeAnswer_; }
     // The status of the last answer.
     int32_t StatusCode() const { return statusCode_; }
     // The last saved answer's ETag, without its quotes.
@@ -93,6 +98,8 @@ private:
     UrlParts url_;
     int32_t statusCode_ = 200;
     int32_t errorCode_ = 0;
+    bool nothingFetched_ = false;
+    bool stoppedBeforeAnswer_ = false;
     std::u16string entityTag_;
 };
 

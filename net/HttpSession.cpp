@@ -183,6 +183,9 @@ int32_t PlatformError(CURL* easy, CURLcode code) {
         return kErrorCannotConnect;
     case CURLE_OPERATION_TIMEDOUT:
         return kErrorTimeout;
+    case CURLE_ABORTED_BY_CALLBACK:
+        // Only the receiver's ShouldStop ends a transfer this way.
+        return kErrorOperationCancelled;
     case CURLE_GOT_NOTHING:
         return kErrorConnectionAborted;
     case CURLE_RECV_ERROR:
@@ -358,6 +361,9 @@ HttpResult HttpSession::Get(const HttpRequest& request, ResponseReceiver& receiv
     const std::optional<RequestTarget> target = TargetOf(request);
     if (!target) {
         return {false, kErrorNameNotResolved};
+    }
+    if (receiver.ShouldStop()) {
+        return {false, kErrorOperationCancelled};
     }
     CURL* easy = easy_.get();
     // Forgets the previous request's options but keeps the open connections.

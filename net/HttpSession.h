@@ -17,6 +17,7 @@ namespace qf {
 inline constexpr int32_t kErrorTimeout = 12002;
 inline constexpr int32_t kErrorInternal = 12004;
 inline constexpr int32_t kErrorNameNotResolved = 12007;
+inline constexpr int32_t kErrorOperationCancelled = 12017;
 inline constexpr int32_t kErrorCannotConnect = 12029;
 inline constexpr int32_t kErrorConnectionAborted = 12030;
 inline constexpr int32_t kErrorConnectionReset = 12031;
@@ -43,8 +44,9 @@ public:
     virtual bool OnHead(const ResponseHead& head) = 0;
     // The next block of the body. False ends the transfer.
     virtual bool OnBlock(std::string_view block) = 0;
-    // Asked now and then while the transfer runs, also before the answer's head has come; true
-    // ends the transfer.
+    // Asked before the request is sent and then at least about once a second while the transfer
+    // runs, also while it waits for a connection or for the answer's head; true ends the transfer
+    // (without a head, with kErrorOperationCancelled).
     virtual bool ShouldStop() = 0;
 };
 

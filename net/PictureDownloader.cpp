@@ -119,7 +119,8 @@ bool PictureDownloader::Fetch(HttpFetcher& fetcher, const Job& job) {
     FetchSettings settings;
     settings.timeout = limits_.timeout;
     settings.stopRequested = &watch.tooLarge;
-    settings.cancelRequested = &cancel_;
+    // Closing the downloader ends a transfer in flight as the stop button ends a refresh's.
+    settings.abortRequested = &cancel_;
     const std::u16string partial = job.path + std::u16string(kPartialSuffix);
     const std::filesystem::path partialPath = ToFsPath(partial);
     bool saved = false;

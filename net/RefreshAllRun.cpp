@@ -89,7 +89,7 @@ ChannelResult RefreshAllRun::AwaitResult(std::size_t index, HttpFetcher& ownFetc
     std::unique_lock lock(mutex_);
     if (nextJob_ <= index) {
         // The downloaders stopped taking work (a stop came after this channel was begun), so the
-        // channel is downloaded here; the download itself then ends after its first block.
+        // channel is downloaded here; the download itself then stops before it asks anything.
         nextJob_ = index + 1;
         lock.unlock();
         return FetchChannel(std::move(jobs_[index]), ownFetcher, settings_, observer_);

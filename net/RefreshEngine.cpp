@@ -130,17 +130,22 @@ bool RefreshEngine::StartChannelUpdate(Channel& channel, int32_t mergeOption, bo
     }
     ClearStopFlagsWhenIdle();
     auto job = std::make_shared<ChannelJob>(MakeChannelJob(store_, channel, mergeOption));
+    const int32_t previousState = job->previousState;
     BeginChannelUpdate(channel, observer_);
-    Spawn([this, job, settings = MakeFetchSettings(), completion = std::move(completion)] {
-        const bool established = EnsureConnection(job->url);
-        HttpFetcher fetcher;
-        auto result = std::make_shared<ChannelResult>(
-            FetchChannel(std::move(*job), fetcher, settings, observer_));
-        ReleaseIfEstablished(established);
-        observer_.HandOver([this, result, completion] {
-            ApplyChannelResult(store_, observer_, std::move(*result), completion);
+    const bool started =
+        Spawn([this, job, settings = MakeFetchSettings(), completion = std::move(completion)] {
+            const bool established = EnsureConnection(job->url);
+            HttpFetcher fetcher;
+            auto result = std::make_shared<ChannelResult>(
+                FetchChannel(std::move(*job), fetcher, settings, observer_));
+            ReleaseIfEstablished(established);
+            observer_.HandOver([this, result, completion] {
+                ApplyChannelResult(store_, observer_, std::move(*result), completion);
+            });
         });
-    });
+    if (!started) {
+        AbandonChannelUpdate(channel, previousState, observer_);
+    }
     return true;
 }
 

@@ -34,7 +34,8 @@ struct RefreshOptions {
 // Every call is made on the thread that owns the model; downloads run on worker threads that
 // work on copies and hand their results back through the observer, so that the live model is
 // only ever changed on the owner's thread. Stop requests (the store's stopRequested and
-// abortRequested) are honoured between channels and between download blocks.
+// abortRequested) are honoured between channels and end every download in flight within about a
+// second: after its current block, or at once while it still waits for its answer.
 class RefreshEngine {
 public:
     RefreshEngine(ChannelStore& store, RefreshObserver& observer, RefreshOptions options = {});
@@ -51,8 +52,8 @@ public:
                        const RefreshCompletion& completion = {});
 
     // With `onThread`, updates the channel on a worker of its own and answers at once; such
-    // workers may overlap, also on one channel. Otherwise UpdateChannel without completion.
-    // Always true.
+    // workers may overlap, also on one channel. A worker that cannot start leaves the channel as
+    // it was. Otherwise UpdateChannel without completion. Always true.
     bool StartChannelUpdate(Channel& channel, int32_t mergeOption, bool onThread,
                             RefreshCompletion completion = {});
 

@@ -47,6 +47,10 @@ public:
     // The channel's row should show its current state and counts.
     virtual void RedrawChannel(const Channel& channel) = 0;
 
+    // The channel's update ended without an outcome (a stop came before its answer, or its worker
+    // could not start) and the channel is as it was before. By default its row is redrawn.
+    virtual void UpdateAbandoned(const Channel& channel) { RedrawChannel(channel); }
+
     // A successful single-channel update asks for `completion` to run as QFM_REFRESHDONE does.
     // By default it runs at once.
     virtual void PostRefreshDone(Channel& channel, RefreshCompletion completion) {

@@ -9,11 +9,10 @@
 #include "support/TestServer.h"
 
 #include <array>
+#include <chrono>
 #include <memory>
-#include <netinet/in.h>
 #include <stdexcept>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -21,6 +20,7 @@ namespace qf {
 namespace {
 
 using Stage = std::array<int32_t, 3>; // stage, total, bytes so far
+using test::ClosedPort;
 using test::Route;
 
 std::string Pattern(std::size_t size) {
@@ -29,19 +29,6 @@ std::string Pattern(std::size_t size) {
         text[i] = static_cast<char>('a' + i % 26);
     }
     return text;
-}
-
-// A port on 127.0.0.1 where nothing listens.
-uint16_t ClosedPort() {
-    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    ::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
-    ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-    ::close(fd);
-    return ntohs(address.sin_port);
 }
 
 class HttpFetcherTest : public ::testing::Test {
@@ -151,19 +138,26 @@ TEST_F(HttpFetcherTest, ThirdRedirectFailsWithItsStatus) {
     EXPECT_FALSE(std::filesystem::exists(file));
 }
 
-// A missing scheme means http for a fresh fetcher, a quoted Location loses its quotes, and a
-// redirect to ftp is requested over http.
+// A missing scheme means http whatever the fetcher fetched before, a quoted Location loses its
+// quotes, and a redirect to ftp or file is requested over http and saved.
 TEST_F(HttpFetcherTest, OddAddressFormsStillReachTheFeedOverHttp) {
     Serve("/feed.xml");
     const std::u16string hostAndPort = u"127.0.0.1:" + AsciiToUtf16(std::to_string(server->port()));
     Redirect("/quoted", 302, u"\"" + server->url("/feed.xml") + u"\"");
     Redirect("/to-ftp", 301, u"ftp://" + hostAndPort + u"/feed.xml");
-    for (const std::u16string& url :
-         {hostAndPort + u"/feed.xml", server->url("/quoted"), server->url("/to-ftp")}) {
-        SCOPED_TRACE(Utf16ToUtf8(url));
-        std::filesystem::remove(file);
-        EXPECT_TRUE(Download(url));
-        EXPECT_EQ(test::ReadFileBytes(file), "<rss/>");
+    Redirect("/to-file", 302, u"file://" + hostAndPort + u"/feed.xml");
+    const std::u16string secure =
+        u"https://127.0.0.1:" + AsciiToUtf16(std::to_string(ClosedPort())) + u"/feed.xml";
+    for (const std::u16string& before : {std::u16string(u"file:///feeds/local.xml"), secure}) {
+        for (const std::u16string& url : {hostAndPort + u"/feed.xml", server->url("/quoted"),
+                                          server->url("/to-ftp"), server->url("/to-file")}) {
+            SCOPED_TRACE(Utf16ToUtf8(before + u" then " + url));
+            Download(before);
+            std::filesystem::remove(file);
+            EXPECT_TRUE(Download(url));
+            EXPECT_FALSE(fetcher.NothingFetched());
+            EXPECT_EQ(test::ReadFileBytes(file), "<rss/>");
+        }
     }
 }
 
@@ -193,6 +187,7 @@ TEST_F(HttpFetcherTest, FileAndFtpAddressesSucceedWithoutAnyRequest) {
     HttpFetcher unopened;
     for (const std::u16string url : {u"file:///feeds/local.xml", u"ftp://127.0.0.1/feed.xml"}) {
         EXPECT_TRUE(unopened.Download(settings, url, FromFsPath(file), u"", u""));
+        EXPECT_TRUE(unopened.NothingFetched());
     }
     EXPECT_FALSE(std::filesystem::exists(file.parent_path()));
     EXPECT_EQ(server->connections(), 0);
@@ -249,14 +244,39 @@ TEST_F(HttpFetcherTest, StopFlagEndsAnEndlessBodyAfterTheCurrentBlockAndKeepsThe
     EXPECT_EQ(test::ReadFileBytes(file).size(), static_cast<std::size_t>(saved));
 }
 
-TEST_F(HttpFetcherTest, AbortFlagAlreadySetLeavesAnEmptyFileAndSucceeds) {
-    Serve("/feed.xml", Pattern(3000));
+// Neither a success nor a failure: the request ends without sending or without waiting for the
+// answer, however long the time-out.
+TEST_F(HttpFetcherTest, StopBeforeTheAnswerEndsTheRequestAtOnce) {
+    server->addRoute({.path = "/silent", .mode = Route::Body::Silent});
+    fetcher.CloseSession();
+    settings.timeout = std::chrono::minutes(10);
+    ASSERT_TRUE(fetcher.OpenSession(settings));
     std::atomic<int32_t> abort{1};
+    std::atomic<int32_t> stop{0};
     settings.abortRequested = &abort;
+    settings.stopRequested = &stop;
 
+    EXPECT_FALSE(Download(server->url("/silent")));
+    EXPECT_TRUE(fetcher.StoppedBeforeAnswer());
+    EXPECT_EQ(server->hits("/silent"), 0);
+
+    abort = 0;
+    const std::jthread stopper([&] {
+        if (server->awaitHits("/silent", 1)) {
+            stop = 1;
+        }
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(Download(server->url("/silent")));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+    EXPECT_TRUE(fetcher.StoppedBeforeAnswer());
+    EXPECT_EQ(fetcher.ErrorCode(), kErrorOperationCancelled);
+    EXPECT_FALSE(std::filesystem::exists(file));
+
+    stop = 0;
+    Serve("/feed.xml");
     EXPECT_TRUE(Download(server->url("/feed.xml")));
-    EXPECT_TRUE(std::filesystem::exists(file));
-    EXPECT_EQ(std::filesystem::file_size(file), 0u);
+    EXPECT_FALSE(fetcher.StoppedBeforeAnswer());
 }
 
 TEST_F(HttpFetcherTest, LocalFileThatCannotBeCreatedStillCountsAsSuccess) {

@@ -44,9 +44,7 @@ public:
         }
     }
     void RedrawChannel(const Channel& channel) override {
-        if (channel.state() == kChannelUpdating) {
-            begun.push_back(channel.id());
-        }
+        (channel.state() == kChannelUpdating ? begun : ended).push_back(channel.id());
     }
     void PostRefreshDone(Channel& channel, RefreshCompletion completion) override {
         queue.Post([&channel, completion] { completion(channel); });
@@ -65,6 +63,7 @@ public:
     // Called on worker threads.
     std::function<void(const RefreshProgress&)> onProgress;
     std::vector<int32_t> begun;
+    std::vector<int32_t> ended;
     bool finished = false;
 };
 
@@ -227,6 +226,85 @@ TEST_F(RefreshEngineTest, StopEndsTheRunInTheCurrentChannelAndKeepsItsCachedFeed
     EXPECT_FALSE(std::filesystem::exists(CachedFeed(next)));
     EXPECT_EQ(store.busy(), 0);
     EXPECT_EQ(store.stopRequested(), 0);
+}
+
+// The stop button and the closing of the program, while the server has the request and never
+// answers it; the time-out is far longer than the test is allowed to take.
+TEST_F(RefreshEngineTest, StopBeforeTheAnswerLeavesTheChannelAsItWas) {
+    Channel& channel = AddChannel("News", "/silent");
+    server.addRoute({.path = "/silent", .mode = Route::Body::Silent});
+    std::filesystem::create_directories(CachedFeed(channel).parent_path());
+    test::WriteFileBytes(CachedFeed(channel), Rss(2));
+    ASSERT_TRUE(LoadCachedFeed(channel, u"\\"));
+    const NewsItem* first = channel.ItemAt(0);
+    channel.SetState(kChannelFailed);
+    channel.SetHasErrors(1);
+    channel.SetErrorText(WString(u"Failed to parse the channel@earlier"), false);
+    auto patient =
+        std::make_unique<RefreshEngine>(store, observer, RefreshOptions{.timeout = 10min});
+    int completions = 0;
+
+    patient->StartChannelUpdate(channel, 0, true, [&completions](Channel&) { ++completions; });
+    ASSERT_TRUE(server.awaitHits("/silent", 1));
+    const auto stopped = std::chrono::steady_clock::now();
+    store.stopRequested() = 1;
+    store.abortRequested() = 1;
+    observer.RunUntil([&] { return !observer.ended.empty(); });
+
+    EXPECT_LT(std::chrono::steady_clock::now() - stopped, 30s);
+    EXPECT_EQ(observer.ended, std::vector<int32_t>{channel.id()});
+    EXPECT_EQ(channel.state(), kChannelFailed);
+    EXPECT_EQ(channel.hasErrors(), 1);
+    EXPECT_EQ(channel.errorText(), u"Failed to parse the channel@earlier");
+    EXPECT_EQ(channel.ItemAt(0), first);
+    EXPECT_EQ(test::ReadFileBytes(CachedFeed(channel)), Rss(2));
+    EXPECT_FALSE(patient->HasRunningWorkers());
+    observer.queue.RunPending();
+    EXPECT_EQ(completions, 0);
+
+    patient->StartChannelUpdate(channel, 0, true);
+    ASSERT_TRUE(server.awaitHits("/silent", 2));
+    const auto closing = std::chrono::steady_clock::now();
+    patient.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - closing, 30s);
+}
+
+// Refresh-all downloads one channel after the other on one fetcher here, as its threads may.
+TEST_F(RefreshEngineTest, EveryChannelIsFetchedFromItsOwnAddressWhateverCameBefore) {
+    const std::u16string hostAndPort = u"127.0.0.1:" + AsciiToUtf16(std::to_string(server.port()));
+    const std::u16string closed = u"127.0.0.1:" + AsciiToUtf16(std::to_string(test::ClosedPort()));
+    Channel& local = AddChannel("News", "");
+    local.SetXmlUrl(WString(u"file:///feeds/local.xml"));
+    Channel& bareAfterFile = AddChannel("News", "");
+    bareAfterFile.SetXmlUrl(WString(hostAndPort + u"/one"));
+    Channel& secure = AddChannel("News", "");
+    secure.SetXmlUrl(WString(u"https://" + closed + u"/secure"));
+    Channel& bareAfterHttps = AddChannel("News", "");
+    bareAfterHttps.SetXmlUrl(WString(hostAndPort + u"/two"));
+    // The server sends it to a file address, which is then requested over http.
+    Channel& moved = AddChannel("News", "/moved");
+    server.addRoute(
+        {.path = "/moved",
+         .status = 302,
+         .headers = {{"Location", "file://" + Utf16ToUtf8(hostAndPort) + "/feed.xml"}}});
+    std::filesystem::create_directories(CachedFeed(moved).parent_path());
+    test::WriteFileBytes(CachedFeed(moved), Rss(1));
+    Serve("/one", Rss(2));
+    Serve("/two", Rss(3));
+    Serve("/feed.xml", Rss(4));
+    RefreshEngine oneAtATime{store, observer, {.timeout = 5s, .parallelDownloads = 1}};
+
+    observer.finished = false;
+    ASSERT_TRUE(oneAtATime.StartRefreshAll(true));
+    observer.RunUntil([this] { return observer.finished; });
+
+    EXPECT_EQ(observer.begun, (std::vector<int32_t>{local.id(), bareAfterFile.id(), secure.id(),
+                                                    bareAfterHttps.id(), moved.id()}));
+    EXPECT_EQ(bareAfterFile.itemCount(), 2);
+    EXPECT_EQ(secure.state(), kChannelFailed);
+    EXPECT_EQ(bareAfterHttps.itemCount(), 3);
+    EXPECT_EQ(moved.itemCount(), 4);
+    EXPECT_EQ(test::ReadFileBytes(CachedFeed(moved)), Rss(4));
 }
 
 TEST_F(RefreshEngineTest, DueChannelsFollowTheirIntervalStrictly) {

@@ -4,8 +4,10 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <netinet/in.h>
 #include <spawn.h>
 #include <stdexcept>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -160,6 +162,11 @@ int TestServer::hits(const std::string& path) {
     return std::stoi(command("hits path=" + Escaped(path)));
 }
 
+bool TestServer::awaitHits(const std::string& path, int count) {
+    return std::stoi(command("await path=" + Escaped(path) + " count=" + std::to_string(count))) >=
+           count;
+}
+
 int TestServer::connections() {
     return std::stoi(command("connections"));
 }
@@ -171,6 +178,18 @@ std::string TestServer::requestHead(const std::string& path) {
 std::u16string TestServer::url(const std::string& path, const std::string& listener) const {
     const std::string scheme = listener == "http" ? "http://" : "https://";
     return Utf8ToUtf16(scheme + "127.0.0.1:" + std::to_string(port(listener)) + path);
+}
+
+uint16_t ClosedPort() {
+    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    ::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
+    ::close(fd);
+    return ntohs(address.sin_port);
 }
 
 } // namespace qf::test

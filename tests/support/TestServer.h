@@ -46,6 +46,8 @@ public:
 
     void addRoute(const Route& route);
     int hits(const std::string& path);
+    // Waits until `path` had `count` requests (at most 30 s); false when it did not.
+    bool awaitHits(const std::string& path, int count);
     int connections();
     // The raw head (request line and headers) of the last request to `path`.
     std::string requestHead(const std::string& path);
@@ -64,5 +66,8 @@ private:
     std::string pending_;
     std::map<std::string, uint16_t> ports_;
 };
+
+// A port on 127.0.0.1 where nothing listens.
+uint16_t ClosedPort();
 
 } // namespace qf::test

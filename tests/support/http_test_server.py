@@ -14,6 +14,9 @@ value percent-encoded:
         endless (a small block every few milliseconds, never ending),
         silent (the request is read and never answered)
   hits path=/feed        -> how many requests that path had
+  await path=/feed count=2
+                         -> waits (at most 30 s) until that path had as many requests, then
+                            answers how many it had
   connections            -> how many connections were accepted
   request path=/feed     -> the head of the last request to that path, percent-encoded
 """
@@ -27,6 +30,7 @@ import urllib.parse
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
 lock = threading.Lock()
+arrived = threading.Condition(lock)
 routes = {}
 hits = {}
 heads = {}
@@ -34,6 +38,7 @@ connections = 0
 never = threading.Event()
 ENDLESS_BLOCK = b"x" * 1024
 ENDLESS_PAUSE = 0.005
+AWAIT_LIMIT = 30
 
 
 class RecordingReader:
@@ -77,6 +82,7 @@ class Handler(BaseHTTPRequestHandler):
             hits[self.path] = hits.get(self.path, 0) + 1
             heads[self.path] = self.rfile.take()
             route = routes.get(self.path)
+            arrived.notify_all()
         if route is None:
             self.answer(404, [], b"no such route", "fixed")
         elif route["auth"] and self.headers.get("Authorization") != route["auth"]:
@@ -134,6 +140,10 @@ def run_command(line):
         return add_route(fields)
     path = urllib.parse.unquote(dict(fields).get("path", ""))
     with lock:
+        if command == "await":
+            count = int(dict(fields).get("count", "1"))
+            arrived.wait_for(lambda: hits.get(path, 0) >= count, AWAIT_LIMIT)
+            return str(hits.get(path, 0))
         if command == "hits":
             return str(hits.get(path, 0))
         if command == "connections":
