@@ -10,6 +10,7 @@
 
 #include <QMenu>
 #include <QToolButton>
+#include <chrono>
 
 namespace qf::ui::test {
 namespace {
@@ -195,6 +196,25 @@ TEST_F(RefreshUnderReaderTest, OpenScreensMoveToTheNewStoriesWhenARefreshLands) 
     const std::string cached = qf::test::ReadFileBytes(CachedFeed(1));
     EXPECT_EQ(cached.find("qf_wasRead=\"no\""), std::string::npos) << cached;
     EXPECT_NE(cached.find("<item qf_wasRead=\"yes\"><title>Echo"), std::string::npos) << cached;
+}
+
+TEST_F(RefreshUnderReaderTest, QuittingDuringARefreshEndsAtOnceAndKeepsWhatWasRead) {
+    StartServingNewerFeed();
+    server_.addRoute({.path = "/silent", .mode = qf::test::Route::Body::Silent});
+    News().SetXmlUrl(WString(server_.url("/silent")));
+    OpenChannel(0);
+    OpenStory(0);
+    app().OnCommand(kCtlNone, kCmdBack);
+    app().OnCommand(kCtlNone, kCmdBack);
+    app().OnCommand(kCtlNone, kCmdRefreshAll);
+    ASSERT_TRUE(server_.awaitHits("/silent", 1));
+    const auto start = std::chrono::steady_clock::now();
+    EndApp();
+    // The stop, not the server's 30-second time-out, ended the download.
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    EXPECT_NE(StoreFileText().find("News"), std::string::npos);
+    const std::string cached = qf::test::ReadFileBytes(CachedFeed(1));
+    EXPECT_NE(cached.find("<item qf_wasRead=\"yes\"><title>Alpha"), std::string::npos) << cached;
 }
 
 } // namespace

@@ -72,6 +72,11 @@ void UiFixture::QuitApp() {
     app_->Finish();
 }
 
+void UiFixture::EndApp() {
+    QuitApp();
+    app_.reset();
+}
+
 QMenu* UiFixture::OpenMenu(const QString& submenu) {
     QMenu* menu = app_->mainWindow()->softKeys()->menu();
     emit menu->aboutToShow();

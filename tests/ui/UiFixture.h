@@ -39,6 +39,8 @@ protected:
     App& app() { return *app_; }
     // Closes the main window and runs the end of the run, as quitting does.
     void QuitApp();
+    // Quits, then lets the frame go as the program does when it exits.
+    void EndApp();
 
     // Opens the soft key's menu as the user would (its state and checks are brought up to date),
     // and the submenu with `caption` in it when one is named.
