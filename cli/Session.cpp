@@ -3,6 +3,7 @@
 #include "model/ChannelStoreFile.h"
 #include "model/FileUtil.h"
 #include "model/ViewerSettings.h"
+#include "net/DataFolderTidy.h"
 #include "platform/Text.h"
 
 #include <cstdio>
@@ -21,6 +22,10 @@ bool Session::Open(Access access) {
     // work all the same.
     if (!LoadSettings(store_.settings())) {
         SaveSettings();
+    }
+    if (access == Access::kWrite) {
+        // Only the holder of the lock may do this: no other writer is halfway through a file.
+        RemoveUnfinishedWrites(volume());
     }
     return LoadStoreFile(access);
 }

@@ -21,7 +21,8 @@ enum class Access {
 class Session {
 public:
     // Takes the data lock (writers only), loads the settings (writing the defaults on a first
-    // run) and loads the store from the data folder of the settings' volume. A missing store file
+    // run), removes what runs that ended abruptly left half written (writers only) and loads the
+    // store from the data folder of the settings' volume. A missing store file
     // gives an empty store. A store file that cannot be read is reported; readers stop there,
     // while writers go on with an empty store, whose first save moves the unreadable file aside.
     // Answers false, after saying why on standard error, when the command cannot go on.

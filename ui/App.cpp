@@ -73,6 +73,8 @@ bool App::Start() {
     mainWindow_ = std::make_unique<MainWindow>(*this);
     CreateScreens();
     BuildContextMenu();
+    // The lock is held from here on, so whatever is half written was left by an earlier run.
+    TidyDataFolder(volume(), std::filesystem::file_time_type::clock::now());
     const std::u16string& path = KeptStorePath(store_);
     if (!path.empty() && FileExists(path)) {
         LoadStoreAtStart();
@@ -129,7 +131,6 @@ void App::LoadStoreAtStart() {
         wait.Restore();
         dialogs_.tell(ToQString(OpenStoreFailedText(path)));
     }
-    TidyDataFolder(volume(), std::filesystem::file_time_type::clock::now());
     RefillChannels();
     SetScreen(kChannelsScreen);
     wait.Restore();

@@ -116,5 +116,32 @@ TEST_F(StoreCommandsTest, UnreadableStoreStopsReadersAndIsKeptAsideByWriters) {
     EXPECT_EQ(Cli({"list"}).out, "Default\n  1  Channel #1  0/0\n");
 }
 
+TEST_F(StoreCommandsTest, WritersClearHalfWrittenFilesAndReadersLeaveThem) {
+    Cli({"add", "http://a.example/"});
+    const auto folder = StoreFile().parent_path();
+    const std::vector<std::filesystem::path> parts{folder / "QFChannels.opml.part-a1B2c3",
+                                                   folder / "Images/Pic1.part-x",
+                                                   dir / "config/Orvelcraft/Quillfeed.conf.part-z"};
+    for (const auto& file : parts) {
+        std::filesystem::create_directories(file.parent_path());
+        test::WriteFileBytes(file, "x");
+    }
+    // Old enough to go when the GUI starts, which the command line leaves to it.
+    test::WriteFileBytes(folder / "Images/PicOld", "x");
+    std::filesystem::last_write_time(folder / "Images/PicOld",
+                                     std::filesystem::file_time_type::clock::now() -
+                                         std::chrono::hours(24 * 365));
+
+    EXPECT_EQ(Cli({"list"}).exitCode, 0);
+    for (const auto& file : parts) {
+        EXPECT_TRUE(std::filesystem::exists(file)) << file;
+    }
+    EXPECT_EQ(Cli({"add", "http://b.example/"}).exitCode, 0);
+    for (const auto& file : parts) {
+        EXPECT_FALSE(std::filesystem::exists(file)) << file;
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder / "Images/PicOld"));
+}
+
 } // namespace
 } // namespace qf
