@@ -1,6 +1,7 @@
 #include "net/DataFolderTidy.h"
 
 #include "model/DataFolder.h"
+#include "model/StoreBackups.h"
 #include "net/PictureFiles.h"
 #include "platform/AtomicFile.h"
 #include "platform/TempFile.h"
@@ -56,7 +57,8 @@ void RemoveUnfinishedWrites(std::u16string_view volume) {
         return;
     }
     const auto keepFinished = [](const auto& entry) { return !IsLeftOverPart(entry.path()); };
-    for (const std::filesystem::path& inside : {*folder, *folder / ToFsPath(kPictureFolderName)}) {
+    for (const std::filesystem::path& inside :
+         {*folder, *folder / ToFsPath(kPictureFolderName), *folder / ToFsPath(kBackupFolderName)}) {
         RemoveFilesIn(inside, keepFinished);
     }
 }

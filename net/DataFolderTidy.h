@@ -14,7 +14,7 @@ namespace qf {
 inline constexpr std::chrono::hours kPictureKeepTime{24 * 30};
 
 // Removes the files whose writing a run that ended abruptly never finished: in the data folder
-// of `volume` and its picture folder, and beside the settings file (that one's own).
+// of `volume`, its picture and backup folders, and beside the settings file (that one's own).
 void RemoveUnfinishedWrites(std::u16string_view volume);
 
 // Removes story pictures older than kPictureKeepTime at `now`.

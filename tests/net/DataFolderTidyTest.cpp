@@ -26,12 +26,13 @@ TEST(DataFolderTidy, RemovesUnfinishedWritesAndOldPicturesOnly) {
     const auto pictures = data / "Images";
     const auto config = dir.path() / "config/Orvelcraft";
     std::filesystem::create_directories(pictures);
+    std::filesystem::create_directories(data / "Backups");
     std::filesystem::create_directories(config);
     for (const auto& file :
          {data / "QFChannels.opml", data / "Channel1.xml", data / "Channel1.xml.part-a1B2c3",
           data / "QFChannels.opml.part-Zz0099", pictures / "PicNew", pictures / "PicOld",
-          pictures / "PicNew.part-x", config / "Quillfeed.conf", config / "Quillfeed.conf.part-k9",
-          config / "Other.part-1"}) {
+          pictures / "PicNew.part-x", data / "Backups/QFChannels-2024-03-05.opml.part-q",
+          config / "Quillfeed.conf", config / "Quillfeed.conf.part-k9", config / "Other.part-1"}) {
         test::WriteFileBytes(file, "x");
     }
     const auto now = std::filesystem::file_time_type::clock::now();
@@ -42,8 +43,8 @@ TEST(DataFolderTidy, RemovesUnfinishedWritesAndOldPicturesOnly) {
 
     TidyDataFolder(u"\\", now);
 
-    EXPECT_EQ(FilesIn(data), (std::vector<std::string>{"Channel1.xml", "Images", "Images/PicNew",
-                                                       "QFChannels.opml"}));
+    EXPECT_EQ(FilesIn(data), (std::vector<std::string>{"Backups", "Channel1.xml", "Images",
+                                                       "Images/PicNew", "QFChannels.opml"}));
     EXPECT_EQ(FilesIn(config), (std::vector<std::string>{"Other.part-1", "Quillfeed.conf"}));
 }
 
