@@ -7,6 +7,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
     commands.push_back(MakeListCommand());
     commands.push_back(MakeAddCommand());
     commands.push_back(MakeExportCommand());
+    commands.push_back(MakeRestoreCommand());
     commands.push_back(MakeImportCommand());
     commands.push_back(MakeParseCommand());
     commands.push_back(MakeShowCommand());

@@ -15,6 +15,7 @@ std::unique_ptr<Command> MakeParseCommand();
 std::unique_ptr<Command> MakeShowCommand();
 std::unique_ptr<Command> MakeMarkCommand();
 std::unique_ptr<Command> MakeRemoveCommand();
+std::unique_ptr<Command> MakeRestoreCommand();
 std::unique_ptr<Command> MakeRefreshCommand();
 std::unique_ptr<Command> MakePageCommand();
 

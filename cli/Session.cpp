@@ -3,6 +3,7 @@
 #include "model/ChannelStoreFile.h"
 #include "model/FileUtil.h"
 #include "model/ViewerSettings.h"
+#include "net/DataFolderTidy.h"
 #include "platform/Text.h"
 
 #include <cstdio>
@@ -17,20 +18,31 @@ bool Session::Open(Access access) {
             return false;
         }
     }
+    if (!OpenSettings()) {
+        return false;
+    }
+    if (access == Access::kWrite) {
+        // Only the holder of the lock may do this: no other writer is halfway through a file.
+        RemoveUnfinishedWrites(volume());
+    }
+    return LoadStoreFile(access);
+}
+
+bool Session::OpenSettings() {
     // A settings file that cannot be written is reported, but reading and changing the store
     // work all the same.
     if (!LoadSettings(store_.settings())) {
         SaveSettings();
     }
-    return LoadStoreFile(access);
-}
-
-bool Session::LoadStoreFile(Access access) {
-    const std::u16string& path = KeptStorePath(store_);
-    if (path.empty()) {
+    if (KeptStorePath(store_).empty()) {
         PrintError(u"The storage volume '" + volume() + u"' of the settings is not there.");
         return false;
     }
+    return true;
+}
+
+bool Session::LoadStoreFile(Access access) {
+    const std::u16string& path = store_.channelStorePath();
     if (FileExists(path) && !LoadStore(store_, path)) {
         PrintError(OpenStoreFailedText(path));
         if (access == Access::kRead) {

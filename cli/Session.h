@@ -20,15 +20,21 @@ enum class Access {
 // opens them at start and saves them at exit.
 class Session {
 public:
-    // Takes the data lock (writers only), loads the settings (writing the defaults on a first
-    // run) and loads the store from the data folder of the settings' volume. A missing store file
-    // gives an empty store. A store file that cannot be read is reported; readers stop there,
-    // while writers go on with an empty store, whose first save moves the unreadable file aside.
-    // Answers false, after saying why on standard error, when the command cannot go on.
+    // Takes the data lock (writers only), opens the settings (below), removes what runs that
+    // ended abruptly left half written (writers only) and loads the store from the data folder
+    // of the settings' volume. A missing store file gives an empty store. A store file that
+    // cannot be read is reported; readers stop there, while writers go on with an empty store,
+    // whose first save moves the unreadable file aside. Answers false, after saying why on
+    // standard error, when the command cannot go on.
     bool Open(Access access);
+    // Only loads the settings (writing the defaults on a first run) and works out the store
+    // file's path, for commands that do not need the store itself. False, after saying why, when
+    // the settings' volume is not there.
+    bool OpenSettings();
 
     ChannelStore& store() { return store_; }
     const std::u16string& volume() const { return store_.settings().storageVolume().str(); }
+    const std::u16string& storePath() const { return store_.channelStorePath(); }
 
     // Writes the read states of modified channels into their cached feeds and saves the store
     // file, saying on standard error what went wrong or where an unreadable file was kept.

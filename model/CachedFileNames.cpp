@@ -37,6 +37,19 @@ std::u16string ImageFileName(int32_t channelId, std::u16string_view imageUrl) {
     return name;
 }
 
+std::optional<int32_t> ChannelIdOfCachedFile(std::u16string_view name) {
+    for (const std::u16string_view prefix : {kFeedFilePrefix, kImageFilePrefix}) {
+        if (name.starts_with(prefix)) {
+            // Names are compared whole, so "Channel07.xml" or "Image7.gif.part-x" are no one's.
+            const int32_t id = LeadingDecimal(name.substr(prefix.size()));
+            if (name == FeedFileName(id) || name == ImageFileName(id, name)) {
+                return id;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
 std::u16string_view ImageExtension(std::u16string_view imageUrl) {
     const std::size_t query = imageUrl.rfind(u'?');
     if (query != std::u16string_view::npos) {

@@ -4,6 +4,7 @@
 #include "model/ChannelStore.h"
 #include "model/DataFolder.h"
 #include "model/FileUtil.h"
+#include "model/StoreBackups.h"
 #include "parse/Charset.h"
 #include "parse/XmlDocument.h"
 #include "parse/XmlWriter.h"
@@ -337,9 +338,10 @@ std::filesystem::path FreeBrokenPath(const std::filesystem::path& path) {
     return candidate;
 }
 
-// Moves an unreadable store file at `path` out of the way of a save. False when it is still
-// there.
-bool MoveUnreadableAside(ChannelStore& store, std::u16string_view path, std::u16string* notice) {
+} // namespace
+
+bool MoveUnreadableStoreAside(ChannelStore& store, std::u16string_view path,
+                              std::u16string* notice) {
     if (store.unreadableStorePath().empty() || store.unreadableStorePath() != path) {
         return true;
     }
@@ -360,8 +362,6 @@ bool MoveUnreadableAside(ChannelStore& store, std::u16string_view path, std::u16
     store.SetUnreadableStorePath({});
     return true;
 }
-
-} // namespace
 
 const std::u16string& KeptStorePath(ChannelStore& store) {
     if (store.channelStorePath().empty()) {
@@ -397,7 +397,12 @@ bool SaveStore(ChannelStore& store, std::u16string_view path, std::u16string* no
     const std::filesystem::path file = ToFsPath(path);
     std::error_code ignored; // a folder that cannot be made fails the write below
     std::filesystem::create_directories(file.parent_path(), ignored);
-    return MoveUnreadableAside(store, path, notice) && WriteFileAtomically(file, text);
+    if (!MoveUnreadableStoreAside(store, path, notice)) {
+        return false;
+    }
+    // A backup that cannot be made must not cost the user the changes being saved.
+    KeepDailyBackup(path);
+    return WriteFileAtomically(file, text);
 }
 
 bool SaveAll(ChannelStore& store, std::u16string* notice) {

@@ -28,9 +28,15 @@ bool LoadStore(ChannelStore& store, std::u16string_view path);
 bool ReadStoreDocument(XmlDocument& document, ChannelStore& store);
 
 // Writes the whole store to `path`, atomically. When that path holds a store file that could not
-// be read, it is first renamed to "<path>.broken" (or ".broken.1", ".broken.2", ... when taken)
-// and `notice` receives a sentence saying so; the save fails rather than overwrite it.
+// be read, it is first moved aside (below); the save fails rather than overwrite it. A readable
+// file that is saved over for the first time in a day is first kept as that day's backup.
 bool SaveStore(ChannelStore& store, std::u16string_view path, std::u16string* notice = nullptr);
+
+// When the store could not read the file at `path`, renames it to "<path>.broken" (or
+// ".broken.1", ".broken.2", ... when taken) and `notice` receives a sentence saying so. False
+// when the file is still there.
+bool MoveUnreadableStoreAside(ChannelStore& store, std::u16string_view path,
+                              std::u16string* notice);
 
 // Writes the read states of modified channels into their cached feeds, then saves the store to
 // its kept path (used as kept, never worked out anew).

@@ -472,8 +472,11 @@ XmlDocument::~XmlDocument() = default;
 
 bool XmlDocument::LoadFile(std::u16string_view path) {
     std::string bytes;
-    if (!ready_ || path.empty() || !ReadWholeFile(ToFsPath(path), bytes) ||
-        !LooksLikeFeedFile(bytes)) {
+    return !path.empty() && ReadWholeFile(ToFsPath(path), bytes) && LoadBytes(bytes);
+}
+
+bool XmlDocument::LoadBytes(std::string_view bytes) {
+    if (!ready_ || !LooksLikeFeedFile(bytes)) {
         return false;
     }
     DocumentPtr document = Parse(bytes, nullptr, 0);

@@ -67,6 +67,9 @@ public:
     // Reads and parses a file, after SniffFeedFile accepted it. The bytes are decoded as the
     // file's own declaration or byte-order mark says.
     bool LoadFile(std::u16string_view path);
+    // The same for the bytes of a whole file already read, so that what is checked is exactly
+    // what is then written elsewhere.
+    bool LoadBytes(std::string_view bytes);
 
     // Parses a document held as text. An XML declaration is cut off first and a double-quoted
     // encoding in it sets codePage(); without a declaration and with `requireFeedRoot`, the text

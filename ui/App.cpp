@@ -2,6 +2,7 @@
 
 #include "model/ChannelStoreFile.h"
 #include "model/FileUtil.h"
+#include "model/StoreBackups.h"
 #include "model/ViewerSettings.h"
 #include "net/DataFolderTidy.h"
 #include "net/RefreshEngine.h"
@@ -77,6 +78,8 @@ bool App::Start() {
     mainWindow_ = std::make_unique<MainWindow>(*this);
     CreateScreens();
     BuildContextMenu();
+    // The lock is held from here on, so whatever is half written was left by an earlier run.
+    TidyDataFolder(volume(), std::filesystem::file_time_type::clock::now());
     const std::u16string& path = KeptStorePath(store_);
     if (!path.empty() && FileExists(path)) {
         LoadStoreAtStart();
@@ -131,9 +134,8 @@ void App::LoadStoreAtStart() {
     const std::u16string path = KeptStorePath(store_);
     if (!LoadStore(store_, path)) {
         wait.Restore();
-        dialogs_.tell(ToQString(OpenStoreFailedText(path)));
+        OfferNewestBackup(path);
     }
-    TidyDataFolder(volume(), std::filesystem::file_time_type::clock::now());
     RefillChannels();
     SetScreen(kChannelsScreen);
     wait.Restore();
@@ -143,6 +145,34 @@ void App::LoadStoreAtStart() {
         autoUpdateTimer_->setObjectName(QString::number(100));
         connect(autoUpdateTimer_, &QTimer::timeout, this, &App::OnAutoUpdateTimer);
         autoUpdateTimer_->start(kAutoUpdatePeriodMs);
+    }
+}
+
+// The store file could not be read: the user may take the newest backup in its place, restored
+// as `quillfeed-cli restore` does it. Otherwise the list starts empty, and the unreadable file is
+// moved aside by the first save.
+void App::OfferNewestBackup(const std::u16string& path) {
+    const QString failed = ToQString(OpenStoreFailedText(path));
+    const std::vector<std::u16string> backups = ListStoreBackups(path);
+    if (backups.empty()) {
+        dialogs_.tell(failed);
+        return;
+    }
+    const std::u16string& newest = backups.front();
+    if (!dialogs_.ask(failed + QStringLiteral("\n\nRestore the newest backup, of %1?")
+                                   .arg(ToQString(BackupDate(newest))))) {
+        return;
+    }
+    std::u16string notice;
+    WaitCursor wait;
+    const bool restored = RestoreStore(store_, newest, &notice) == RestoreResult::kRestored &&
+                          LoadStore(store_, path);
+    wait.Restore();
+    if (!notice.empty()) {
+        dialogs_.tell(ToQString(notice));
+    }
+    if (!restored) {
+        dialogs_.tell(QStringLiteral("Failed to restore the backup '%1'.").arg(ToQString(newest)));
     }
 }
 

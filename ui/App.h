@@ -119,6 +119,7 @@ private:
     void CreateScreens();
     void BuildContextMenu();
     void LoadStoreAtStart();
+    void OfferNewestBackup(const std::u16string& path);
     void RefillChannels();
     QWidget* ScreenWidget(Screen screen) const;
     std::u16string_view volume() const;

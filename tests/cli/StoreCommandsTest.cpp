@@ -3,6 +3,7 @@
 #include "support/TestEnv.h"
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -114,6 +115,81 @@ TEST_F(StoreCommandsTest, UnreadableStoreStopsReadersAndIsKeptAsideByWriters) {
     EXPECT_THAT(add.err, HasSubstr(StoreFile().string() + ".broken"));
     EXPECT_EQ(test::ReadFileBytes(StoreFile().string() + ".broken"), "<opml><body>");
     EXPECT_EQ(Cli({"list"}).out, "Default\n  1  Channel #1  0/0\n");
+}
+
+TEST_F(StoreCommandsTest, WritersClearHalfWrittenFilesAndReadersLeaveThem) {
+    Cli({"add", "http://a.example/"});
+    const auto folder = StoreFile().parent_path();
+    const std::vector<std::filesystem::path> parts{
+        folder / "QFChannels.opml.part-a1B2c3", folder / "Images/Pic1.part-x",
+        folder / "Backups/QFChannels-2024-03-05.opml.part-y",
+        dir / "config/Orvelcraft/Quillfeed.conf.part-z"};
+    for (const auto& file : parts) {
+        std::filesystem::create_directories(file.parent_path());
+        test::WriteFileBytes(file, "x");
+    }
+    // Old enough to go when the GUI starts, which the command line leaves to it.
+    test::WriteFileBytes(folder / "Images/PicOld", "x");
+    std::filesystem::last_write_time(folder / "Images/PicOld",
+                                     std::filesystem::file_time_type::clock::now() -
+                                         std::chrono::hours(24 * 365));
+
+    EXPECT_EQ(Cli({"list"}).exitCode, 0);
+    EXPECT_EQ(Cli({"restore", "--list"}).exitCode, 0);
+    for (const auto& file : parts) {
+        EXPECT_TRUE(std::filesystem::exists(file)) << file;
+    }
+    EXPECT_EQ(Cli({"add", "http://b.example/"}).exitCode, 0);
+    for (const auto& file : parts) {
+        EXPECT_FALSE(std::filesystem::exists(file)) << file;
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder / "Images/PicOld"));
+}
+
+TEST_F(StoreCommandsTest, RestoreListsBackupsNewestFirstAndPutsOneInPlaceOfTheStore) {
+    EXPECT_EQ(Cli({"restore", "--list"}).out, "");
+    EXPECT_EQ(Cli({"restore", "--list", "--json"}).out, "[]\n");
+    EXPECT_EQ(Cli({"restore"}).exitCode, 2);
+    EXPECT_EQ(Cli({"restore", "--json", "x.opml"}).exitCode, 2);
+
+    // An old backup holding channel 1 only, then today's, made by the second save.
+    Cli({"add", "http://a.example/"});
+    const auto backups = StoreFile().parent_path() / "Backups";
+    std::filesystem::create_directories(backups);
+    const auto old = backups / "QFChannels-2020-01-31.opml";
+    std::filesystem::copy_file(StoreFile(), old);
+    Cli({"add", "http://b.example/"});
+    const auto list = Cli({"restore", "--list"});
+    EXPECT_EQ(list.exitCode, 0);
+    std::vector<std::string> lines;
+    std::istringstream out(list.out);
+    for (std::string line; std::getline(out, line);) {
+        lines.push_back(line);
+    }
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_THAT(lines[0], ::testing::MatchesRegex(".*/Backups/QFChannels-2...-..-..\\.opml"));
+    EXPECT_EQ(lines[1], old.string());
+
+    test::WriteFileBytes(dir / "feed.xml", "<rss/>");
+    const std::string before = test::ReadFileBytes(StoreFile());
+    const auto refused = Cli({"restore", (dir / "feed.xml").string()});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_THAT(refused.err, HasSubstr((dir / "feed.xml").string()));
+    EXPECT_EQ(test::ReadFileBytes(StoreFile()), before);
+
+    for (const char* cached : {"Channel1.xml", "Channel2.xml", "Image2.png"}) {
+        test::WriteFileBytes(StoreFile().parent_path() / cached, "x");
+    }
+    EXPECT_EQ(Cli({"restore", old.string()}).exitCode, 0);
+    EXPECT_EQ(Cli({"list"}).out, "Default\n  1  Channel #1  0/0\n");
+    EXPECT_TRUE(std::filesystem::exists(StoreFile().parent_path() / "Channel1.xml"));
+    EXPECT_FALSE(std::filesystem::exists(StoreFile().parent_path() / "Channel2.xml"));
+    EXPECT_FALSE(std::filesystem::exists(StoreFile().parent_path() / "Image2.png"));
+    // The store as it was before is the newest backup now, beside today's.
+    const auto json = nlohmann::json::parse(Cli({"restore", "--list", "--json"}).out);
+    ASSERT_EQ(json.size(), 3u);
+    EXPECT_EQ(test::ReadFileBytes(json[0].get<std::string>()), before);
+    EXPECT_EQ(json[2], old.string());
 }
 
 } // namespace

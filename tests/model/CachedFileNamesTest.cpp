@@ -1,5 +1,7 @@
 #include "model/CachedFileNames.h"
 
+#include "platform/Text.h"
+
 #include <gtest/gtest.h>
 
 namespace qf {
@@ -19,6 +21,16 @@ TEST(CachedFileNames, FilesAreNamedAfterChannelIdAndImageExtension) {
     EXPECT_EQ(FeedFileName(7), u"Channel7.xml");
     EXPECT_EQ(ImageFileName(3, u"http://x/logo.gif?x=1.2"), u"Image3.gif");
     EXPECT_EQ(ImageFileName(3, u"http://x.org/logo"), u"Image3");
+}
+
+TEST(CachedFileNames, OnlyNamesGivenToACachedFileBelongToAChannel) {
+    EXPECT_EQ(ChannelIdOfCachedFile(u"Channel12.xml"), 12);
+    EXPECT_EQ(ChannelIdOfCachedFile(u"Image3.gif"), 3);
+    EXPECT_EQ(ChannelIdOfCachedFile(u"Image3"), 3);
+    for (const std::u16string_view other : {u"Channel07.xml", u"Channel7.xml.part-a1", u"Image",
+                                            u"Images", u"Image3.gif.part-x", u"QFChannels.opml"}) {
+        EXPECT_EQ(ChannelIdOfCachedFile(other), std::nullopt) << Utf16ToUtf8(other);
+    }
 }
 
 } // namespace

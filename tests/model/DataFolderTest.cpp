@@ -1,5 +1,6 @@
 #include "model/DataFolder.h"
 
+#include "model/StoreBackups.h"
 #include "platform/AtomicFile.h"
 #include "support/TestEnv.h"
 
@@ -69,6 +70,8 @@ TEST_F(DataFolderTest, MovingTakesSubfoldersAlongReplacesSameNamesAndNeverFollow
     test::WriteFileBytes(mainData() / "QFChannels.opml", "<opml/>");
     test::WriteFileBytes(mainData() / "offline/story.htm", "story");
     test::WriteFileBytes(mainData() / "offline/images/logo.gif", "GIF");
+    fs::create_directories(mainData() / "Backups");
+    test::WriteFileBytes(mainData() / "Backups/QFChannels-2024-03-05.opml", "<opml/>");
     fs::create_directories(dir / "outside");
     test::WriteFileBytes(dir / "outside/precious.txt", "mine");
     fs::create_directory_symlink(dir / "outside", mainData() / "linked-folder");
@@ -83,6 +86,8 @@ TEST_F(DataFolderTest, MovingTakesSubfoldersAlongReplacesSameNamesAndNeverFollow
     EXPECT_EQ(test::ReadFileBytes(cardData("SD") / "Channel2.xml"), "other");
     EXPECT_EQ(test::ReadFileBytes(cardData("SD") / "offline/story.htm"), "story");
     EXPECT_EQ(test::ReadFileBytes(cardData("SD") / "offline/images/logo.gif"), "GIF");
+    EXPECT_EQ(ListStoreBackups(*ChannelStorePath(u"\\SD")),
+              std::vector{FromFsPath(cardData("SD") / "Backups/QFChannels-2024-03-05.opml")});
     EXPECT_EQ(fs::read_symlink(cardData("SD") / "linked-folder"), dir / "outside");
     EXPECT_EQ(fs::read_symlink(cardData("SD") / "linked-file"), dir / "outside/precious.txt");
     EXPECT_FALSE(fs::exists(mainData()));

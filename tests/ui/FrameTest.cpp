@@ -96,6 +96,31 @@ TEST_F(FrameTest, UnreadableStoreFileIsReportedAndAnEmptyListShown) {
     EXPECT_EQ(Rows(), 0);
 }
 
+TEST_F(FrameTest, UnreadableStoreFileOffersTheNewestBackupInItsPlace) {
+    const auto backups = DataFolder() / "Backups";
+    std::filesystem::create_directories(backups);
+    WriteCategories(1);
+    std::filesystem::rename(DataFolder() / "QFChannels.opml",
+                            backups / "QFChannels-2024-03-04.opml");
+    WriteCategories(2);
+    std::filesystem::rename(DataFolder() / "QFChannels.opml",
+                            backups / "QFChannels-2024-03-05.opml");
+    const std::string newest = qf::test::ReadFileBytes(backups / "QFChannels-2024-03-05.opml");
+    qf::test::WriteFileBytes(DataFolder() / "QFChannels.opml", "<opml><body>");
+
+    App& app = StartApp();
+    ASSERT_EQ(asked_.size(), 1);
+    EXPECT_TRUE(asked_[0].startsWith(QStringLiteral("Failed to open Channels file '")));
+    EXPECT_TRUE(asked_[0].contains(QStringLiteral("QFChannels.opml'.")));
+    EXPECT_TRUE(asked_[0].endsWith(QStringLiteral("Restore the newest backup, of 2024-03-05?")));
+    EXPECT_EQ(Rows(), 2);
+    EXPECT_EQ(StoreFileText(), newest);
+    EXPECT_EQ(qf::test::ReadFileBytes(DataFolder() / "QFChannels.opml.broken"), "<opml><body>");
+    ASSERT_EQ(told_.size(), 1);
+    EXPECT_TRUE(told_[0].contains(QStringLiteral("QFChannels.opml.broken")));
+    EXPECT_EQ(app.screen(), kChannelsScreen);
+}
+
 TEST_F(FrameTest, BackKeyStepsBackThroughTheScreensAndThenMinimises) {
     WriteCategories(1);
     App& app = StartApp();
