@@ -112,7 +112,9 @@ TEST_F(RefreshEngineTest, RefreshAllVisitsTheShownRowsFirstAndRecordsEveryOutcom
     Channel& missing = AddChannel("News", "/missing");
     Channel& junk = AddChannel("Tech", "/junk");
     Channel& noAddress = AddChannel("Tech", "");
-    Serve("/good", Rss(3));
+    Serve("/good",
+          Rss(3, "<image><url>" + Utf16ToUtf8(server.url("/logo.png")) + "</url></image>"));
+    Serve("/logo.png", "\x89PNG not really");
     Serve("/junk", "this is no feed");
     store.SetCategoryId(1);
 
@@ -124,6 +126,10 @@ TEST_F(RefreshEngineTest, RefreshAllVisitsTheShownRowsFirstAndRecordsEveryOutcom
     EXPECT_EQ(good.newItemCount(), 3);
     EXPECT_EQ(good.updateTime(), FeedDate::NowUtc());
     EXPECT_TRUE(std::filesystem::exists(CachedFeed(good)));
+    // The logo is downloaded after the feed.
+    const std::string logo = "Image" + std::to_string(good.id()) + ".png";
+    EXPECT_EQ(good.image().localFile(), Utf8ToUtf16(logo));
+    EXPECT_EQ(test::ReadFileBytes(home / "QFChannelsData" / logo), "\x89PNG not really");
     EXPECT_EQ(missing.state(), kChannelFailed);
     EXPECT_EQ(missing.hasErrors(), 1);
     EXPECT_EQ(missing.errorText(), Stamped(u"Failed to download the channel; Error code: 404"));
@@ -185,20 +191,6 @@ TEST_F(RefreshEngineTest, ReadStateSurvivesRefreshesWhetherOrNotTheChannelWasOpe
     later.SetXmlUrl(channel.xmlUrl());
     ASSERT_TRUE(LoadCachedFeed(later, u"\\"));
     EXPECT_EQ(later.newItemCount(), 2);
-}
-
-TEST_F(RefreshEngineTest, LogoIsDownloadedAfterTheFeed) {
-    Channel& channel = AddChannel("News", "/feed");
-    const std::string logo = "\x89PNG not really";
-    Serve("/feed",
-          Rss(1, "<image><url>" + Utf16ToUtf8(server.url("/logo.png")) + "</url></image>"));
-    Serve("/logo.png", logo);
-
-    ASSERT_TRUE(engine.UpdateChannel(channel, 0));
-
-    const std::string name = "Image" + std::to_string(channel.id()) + ".png";
-    EXPECT_EQ(channel.image().localFile(), Utf8ToUtf16(name));
-    EXPECT_EQ(test::ReadFileBytes(home / "QFChannelsData" / name), logo);
 }
 
 TEST_F(RefreshEngineTest, StopEndsTheRunInTheCurrentChannelAndKeepsItsCachedFeed) {
