@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -67,36 +68,35 @@ TEST(LanguageToCodePage, AsianLanguagesMatchOnlyWhenWrittenBare) {
     EXPECT_FALSE(LookUpLanguage(WString()).matched);
 }
 
-int32_t CodePageOf(const char16_t* name) {
-    return CharsetToCodePage(WString(name));
-}
-
-TEST(CharsetToCodePage, WindowsNamesGiveTheirLeadingNumber) {
-    EXPECT_EQ(CodePageOf(u"windows-1251"), 1251);
-    EXPECT_EQ(CodePageOf(u"WINDOWS-874"), 874);
-    EXPECT_EQ(CodePageOf(u"windows-1252x"), 1252);
-    EXPECT_EQ(CodePageOf(u"windows-0"), 0);
-    EXPECT_EQ(CodePageOf(u"windows-"), 0);
-    EXPECT_EQ(CodePageOf(u"windows"), 0);
-    EXPECT_EQ(CodePageOf(u"windows-x1252"), 0);
-}
-
-TEST(CharsetToCodePage, IsoNamesNeedPart8859AndAKnownPart) {
-    EXPECT_EQ(CodePageOf(u"iso-8859-1"), 1252);
-    EXPECT_EQ(CodePageOf(u"ISO-8859-5"), 1251);
-    EXPECT_EQ(CodePageOf(u"iso-8859-15"), 1252);
-    EXPECT_EQ(CodePageOf(u"iso-8859-2"), 1250);
-    EXPECT_EQ(CodePageOf(u"iso-8859-9"), 1254);
-    EXPECT_EQ(CodePageOf(u"iso-8859-10"), 0);
-    EXPECT_EQ(CodePageOf(u"iso-8859"), 0);
-    EXPECT_EQ(CodePageOf(u"iso8859-1"), 0);
-    EXPECT_EQ(CodePageOf(u"iso-2022-jp"), 0);
-}
-
-TEST(CharsetToCodePage, OtherFamiliesAndMissingNamesGiveZero) {
-    for (const char16_t* name :
-         {u"utf-8", u"UTF-16", u"koi8-r", u"euc-jp", u"us-ascii", u"big5", u"shift_jis", u""}) {
-        EXPECT_EQ(CodePageOf(name), 0) << WString(name).toUtf8();
+// Windows names give their leading number, ISO names need part 8859 and a known part, and
+// other families and missing names give zero.
+TEST(CharsetToCodePage, WindowsAndKnownIsoNamesGiveACodePageAndOthersZero) {
+    const std::pair<const char16_t*, int32_t> cases[] = {{u"windows-1251", 1251},
+                                                         {u"WINDOWS-874", 874},
+                                                         {u"windows-1252x", 1252},
+                                                         {u"windows-0", 0},
+                                                         {u"windows-", 0},
+                                                         {u"windows", 0},
+                                                         {u"windows-x1252", 0},
+                                                         {u"iso-8859-1", 1252},
+                                                         {u"ISO-8859-5", 1251},
+                                                         {u"iso-8859-15", 1252},
+                                                         {u"iso-8859-2", 1250},
+                                                         {u"iso-8859-9", 1254},
+                                                         {u"iso-8859-10", 0},
+                                                         {u"iso-8859", 0},
+                                                         {u"iso8859-1", 0},
+                                                         {u"iso-2022-jp", 0},
+                                                         {u"utf-8", 0},
+                                                         {u"UTF-16", 0},
+                                                         {u"koi8-r", 0},
+                                                         {u"euc-jp", 0},
+                                                         {u"us-ascii", 0},
+                                                         {u"big5", 0},
+                                                         {u"shift_jis", 0},
+                                                         {u"", 0}};
+    for (const auto& [name, codePage] : cases) {
+        EXPECT_EQ(CharsetToCodePage(WString(name)), codePage) << WString(name).toUtf8();
     }
     EXPECT_EQ(CharsetToCodePage(WString()), 0);
 }
