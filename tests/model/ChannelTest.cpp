@@ -33,7 +33,9 @@ TEST(Channel, CountSettersIgnoreValuesTheyGuardAgainst) {
     EXPECT_EQ(channel.itemCount(true), 0);
 }
 
-TEST(Channel, TextSetterKeepsOldTextForNullSource) {
+// A channel's and a category's text stay when the source is null, a story's is cleared; an empty
+// category name becomes null.
+TEST(Channel, NullSourceKeepsChannelAndCategoryTextsButClearsAStorys) {
     Channel channel;
     channel.SetTitle(WString(u"Old"));
     channel.SetTitle(WString());
@@ -41,6 +43,17 @@ TEST(Channel, TextSetterKeepsOldTextForNullSource) {
     channel.SetTitle(WString(u""));
     EXPECT_EQ(channel.title(), u"");
     EXPECT_FALSE(channel.title().isNull());
+
+    Category category(WString(u"News"));
+    category.SetName(WString());
+    EXPECT_EQ(category.name(), u"News");
+    category.SetName(WString(u""));
+    EXPECT_TRUE(category.name().isNull());
+
+    NewsItem item;
+    item.SetTitle(WString(u"Headline"));
+    item.SetTitle(WString());
+    EXPECT_TRUE(item.title().isNull());
 }
 
 TEST(Channel, CountItemsKeepsOldTotalForEmptyListAndCountsUnread) {
@@ -104,14 +117,6 @@ TEST(Channel, ErrorTextCarriesCodeAndLocalTimeStampWithNothingBetween) {
     EXPECT_EQ(channel.errorText(), u"Failed to parse the channel@10/23/07 12:16 AM");
 }
 
-TEST(Category, NameFromEmptyTextBecomesNullAndNullSourceKeepsIt) {
-    Category category(WString(u"News"));
-    category.SetName(WString());
-    EXPECT_EQ(category.name(), u"News");
-    category.SetName(WString(u""));
-    EXPECT_TRUE(category.name().isNull());
-}
-
 TEST(Category, FindChannelTakesFirstAddressMatchIgnoringCase) {
     Category category;
     category.AddChannel(std::make_unique<Channel>());
@@ -122,15 +127,6 @@ TEST(Category, FindChannelTakesFirstAddressMatchIgnoringCase) {
     EXPECT_EQ(category.FindChannel(u"http://feed/"), first);
     // A channel without an address matches nothing, not even the empty address.
     EXPECT_EQ(category.FindChannel(u""), nullptr);
-}
-
-TEST(NewsItem, TextFromNullSourceIsCleared) {
-    NewsItem item;
-    item.SetTitle(WString(u"Headline"));
-    item.SetTitle(WString());
-    EXPECT_TRUE(item.title().isNull());
-    EXPECT_EQ(item.read(), 0);
-    EXPECT_EQ(item.codePage(), 0);
 }
 
 } // namespace
