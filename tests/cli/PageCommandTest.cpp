@@ -1,5 +1,4 @@
-#include "support/RunProgram.h"
-#include "support/TestEnv.h"
+#include "CliFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,24 +15,19 @@ constexpr std::string_view kFeed =
     "<pubDate>Mon, 22 Oct 2007 22:16:44 GMT</pubDate></item>"
     "<item><title>Two</title></item></channel></rss>\n";
 
-class PageCommandTest : public ::testing::Test {
+class PageCommandTest : public test::CliFixture {
 protected:
     void SetUp() override { test::WriteFileBytes(feed, std::string(kFeed)); }
-    test::ProgramResult Cli(std::vector<std::string> arguments) const {
+    test::ProgramResult Page(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), {"page", feed.string()});
-        return test::RunProgram(QF_CLI_PATH, arguments);
+        return Cli(arguments);
     }
 
-    test::TempDir dir;
     std::filesystem::path feed = dir / "feed.xml";
-    test::EnvVar config{"XDG_CONFIG_HOME", (dir / "config").string()};
-    test::EnvVar data{"QUILLFEED_HOME", (dir / "data").string()};
-    test::EnvVar cards{"QUILLFEED_CARDS", (dir / "no-cards").string()};
-    test::EnvVar zone{"TZ", "UTC"};
 };
 
 TEST_F(PageCommandTest, StoryPageCarriesTheBodyAsGivenAndEndsWithOneNewline) {
-    const auto page = Cli({"--story", "0"});
+    const auto page = Page({"--story", "0"});
     EXPECT_EQ(page.exitCode, 0);
     EXPECT_THAT(page.out, HasSubstr("charset=windows-1251"));
     EXPECT_THAT(page.out, HasSubstr("<td>Hello <b>world</b></td>"));
@@ -42,17 +36,17 @@ TEST_F(PageCommandTest, StoryPageCarriesTheBodyAsGivenAndEndsWithOneNewline) {
 }
 
 TEST_F(PageCommandTest, StoryWithoutTextOrOutsideTheFeedFails) {
-    EXPECT_EQ(Cli({"--story", "1"}).exitCode, 1);
-    EXPECT_EQ(Cli({"--story", "2"}).exitCode, 1);
+    EXPECT_EQ(Page({"--story", "1"}).exitCode, 1);
+    EXPECT_EQ(Page({"--story", "2"}).exitCode, 1);
 }
 
 TEST_F(PageCommandTest, BannerPageTakesItsSizeAndRefusesAMalformedOne) {
-    const auto page = Cli({"--banner", "240x40"});
+    const auto page = Page({"--banner", "240x40"});
     EXPECT_EQ(page.exitCode, 0);
     EXPECT_THAT(page.out, HasSubstr("<td height=\"36\"><b><font color=\"#6898C8\">News</font>"));
-    EXPECT_EQ(Cli({"--banner", "240"}).exitCode, 2);
-    EXPECT_EQ(Cli({"--smartphone", "--story", "0"}).exitCode, 2);
-    EXPECT_EQ(Cli({}).exitCode, 2);
+    EXPECT_EQ(Page({"--banner", "240"}).exitCode, 2);
+    EXPECT_EQ(Page({"--smartphone", "--story", "0"}).exitCode, 2);
+    EXPECT_EQ(Page({}).exitCode, 2);
 }
 
 } // namespace

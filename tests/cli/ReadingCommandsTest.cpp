@@ -1,5 +1,4 @@
-#include "support/RunProgram.h"
-#include "support/TestEnv.h"
+#include "CliFixture.h"
 
 #include <nlohmann/json.hpp>
 
@@ -24,7 +23,7 @@ constexpr std::string_view kFeed =
     "<item><title>Four</title><link>http://a.example/2</link></item></channel></rss>\n";
 
 // A fresh user with one channel (id 1) whose feed is cached, and one (id 2) never downloaded.
-class ReadingCommandsTest : public ::testing::Test {
+class ReadingCommandsTest : public test::CliFixture {
 protected:
     void SetUp() override {
         ASSERT_EQ(Cli({"add", "http://a.example/rss", "A"}).out, "1\n");
@@ -32,21 +31,12 @@ protected:
         fs::create_directories(Data());
         test::WriteFileBytes(Data() / "Channel1.xml", std::string(kFeed));
     }
-    test::ProgramResult Cli(const std::vector<std::string>& arguments) const {
-        return test::RunProgram(QF_CLI_PATH, arguments);
-    }
     fs::path Data() const { return dir / "data/QFChannelsData"; }
     std::string WriteFile(const std::string& name, const std::string& bytes) const {
         test::WriteFileBytes(dir / name, bytes);
         return (dir / name).string();
     }
     std::string CachedFeed() const { return test::ReadFileBytes(Data() / "Channel1.xml"); }
-
-    test::TempDir dir;
-    test::EnvVar config{"XDG_CONFIG_HOME", (dir / "config").string()};
-    test::EnvVar data{"QUILLFEED_HOME", (dir / "data").string()};
-    test::EnvVar cards{"QUILLFEED_CARDS", (dir / "no-cards").string()};
-    test::EnvVar zone{"TZ", "UTC"};
 };
 
 TEST_F(ReadingCommandsTest, ShowListsHeadlinesFromTheCachedFeed) {

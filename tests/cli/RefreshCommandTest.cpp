@@ -1,6 +1,5 @@
+#include "CliFixture.h"
 #include "platform/Text.h"
-#include "support/ChildProcess.h"
-#include "support/TestEnv.h"
 #include "support/TestServer.h"
 
 #include <chrono>
@@ -29,11 +28,8 @@ std::string Rss(const std::string& title, int count) {
 }
 
 // A fresh user whose subscriptions point at a local server.
-class RefreshCommandTest : public ::testing::Test {
+class RefreshCommandTest : public test::CliFixture {
 protected:
-    test::ProgramResult Cli(const std::vector<std::string>& arguments) const {
-        return test::ChildProcess(QF_CLI_PATH, arguments).Wait();
-    }
     // Subscribes, through an imported OPML file, to one channel per path in category "News".
     void Subscribe(const std::vector<std::pair<std::string, std::string>>& channels) {
         std::string opml = "<?xml version=\"1.0\"?><opml version=\"1.0\"><body><outline "
@@ -49,10 +45,6 @@ protected:
         return dir / "data/QFChannelsData" / ("Channel" + std::to_string(id) + ".xml");
     }
 
-    test::TempDir dir;
-    test::EnvVar config{"XDG_CONFIG_HOME", (dir / "config").string()};
-    test::EnvVar data{"QUILLFEED_HOME", (dir / "data").string()};
-    test::EnvVar cards{"QUILLFEED_CARDS", (dir / "no-cards").string()};
     test::EnvVar noProxy{"no_proxy", "*"};
     test::TestServer server;
 };

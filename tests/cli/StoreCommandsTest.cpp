@@ -1,6 +1,5 @@
+#include "CliFixture.h"
 #include "platform/DataLock.h"
-#include "support/RunProgram.h"
-#include "support/TestEnv.h"
 
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -14,17 +13,9 @@ namespace {
 using ::testing::HasSubstr;
 
 // Each test is a fresh user: its own settings, lock and data folders.
-class StoreCommandsTest : public ::testing::Test {
+class StoreCommandsTest : public test::CliFixture {
 protected:
-    test::ProgramResult Cli(const std::vector<std::string>& arguments) const {
-        return test::RunProgram(QF_CLI_PATH, arguments);
-    }
     std::filesystem::path StoreFile() const { return dir / "data/QFChannelsData/QFChannels.opml"; }
-
-    test::TempDir dir;
-    test::EnvVar config{"XDG_CONFIG_HOME", (dir / "config").string()};
-    test::EnvVar data{"QUILLFEED_HOME", (dir / "data").string()};
-    test::EnvVar cards{"QUILLFEED_CARDS", (dir / "no-cards").string()};
 };
 
 TEST_F(StoreCommandsTest, AddedChannelsAreListedAsTextAndJson) {

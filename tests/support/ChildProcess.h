@@ -1,6 +1,5 @@
 #pragma once
 
-#include "support/RunProgram.h"
 #include "support/TestEnv.h"
 
 #include <string>
@@ -8,6 +7,14 @@
 #include <vector>
 
 namespace qf::test {
+
+// What a finished program left: its exit status (-1 when it did not exit normally) and
+// everything it wrote to standard output and standard error.
+struct ProgramResult {
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+};
 
 // A program started in the background with this process's environment, standard input empty and
 // its output kept in files, for tests that act on it while it runs.
