@@ -48,14 +48,7 @@ TEST_F(FrameTest, FirstRunShowsWelcomeAndContinueOpensTheChannelsScreen) {
     EXPECT_NE(StoreFileText().find("<opml"), std::string::npos);
 }
 
-TEST_F(FrameTest, StoreIsNotWrittenAtExitWhenNeverLoaded) {
-    StartApp();
-    QuitApp();
-    EXPECT_TRUE(StoreFileText().empty());
-    EXPECT_TRUE(std::filesystem::exists(dir_ / "config" / "Orvelcraft" / "Quillfeed.conf"));
-}
-
-TEST_F(FrameTest, StoreFileOpensTheChannelsScreenWithTheAutoUpdateTimer) {
+TEST_F(FrameTest, StoreFileOpensTheChannelsScreenWithTheAutoUpdateTimerExceptOnASmartphone) {
     WriteCategories(2);
     App& app = StartApp();
     EXPECT_EQ(app.screen(), kChannelsScreen);
@@ -63,26 +56,26 @@ TEST_F(FrameTest, StoreFileOpensTheChannelsScreenWithTheAutoUpdateTimer) {
     ASSERT_NE(app.autoUpdateTimer(), nullptr);
     EXPECT_TRUE(app.autoUpdateTimer()->isActive());
     EXPECT_EQ(app.autoUpdateTimer()->interval(), 30000);
+    QuitApp();
+
+    App& smartphone = StartApp({true, 12});
+    EXPECT_EQ(smartphone.screen(), kChannelsScreen);
+    EXPECT_EQ(smartphone.autoUpdateTimer(), nullptr);
 }
 
+// A store never loaded is not written at exit; the settings are.
 TEST_F(FrameTest, WindowStartsPhoneSizedAndComesBackAsItWasLeft) {
     App& first = StartApp();
     EXPECT_LT(first.mainWindow()->width(), first.mainWindow()->height());
     first.mainWindow()->setGeometry(40, 50, 500, 420);
     QuitApp();
+    EXPECT_TRUE(StoreFileText().empty());
     App& second = StartApp();
     EXPECT_EQ(second.mainWindow()->size(), QSize(500, 420));
     const std::string settings =
         qf::test::ReadFileBytes(dir_ / "config" / "Orvelcraft" / "Quillfeed.conf");
     EXPECT_NE(settings.find("[Options]"), std::string::npos);
     EXPECT_NE(settings.find("[Window]"), std::string::npos);
-}
-
-TEST_F(FrameTest, SmartphoneNeverUpdatesByItself) {
-    WriteCategories(1);
-    App& app = StartApp({true, 12});
-    EXPECT_EQ(app.screen(), kChannelsScreen);
-    EXPECT_EQ(app.autoUpdateTimer(), nullptr);
 }
 
 TEST_F(FrameTest, UnreadableStoreFileIsReportedAndAnEmptyListShown) {
