@@ -45,20 +45,14 @@ protected:
     Channel channel_;
 };
 
-TEST_F(ChannelPageTest, PocketPcShowsTitleAndLogoSideBySide) {
+TEST_F(ChannelPageTest, PocketPcShowsTitleAndLogoSideBySideAndSmartphoneTheLogoAlone) {
     PutLogoOnDisk();
-    const std::u16string expected = std::u16string(kBannerStart) + std::u16string(kTitle) +
-                                    u"</td><td>" + Picture(u" width=88 height=31 align=right") +
-                                    std::u16string(kBannerEnd);
-    EXPECT_EQ(PocketPcPage(), expected);
-}
-
-TEST_F(ChannelPageTest, SmartphoneShowsLogoAloneAlignedLeft) {
-    PutLogoOnDisk();
-    const std::u16string expected = std::u16string(kBannerStart) +
-                                    Picture(u" width=88 height=31 align=left") +
-                                    std::u16string(kBannerEnd);
-    EXPECT_EQ(BuildChannelPage(channel_, 240, 40, true, context_), expected);
+    EXPECT_EQ(PocketPcPage(), std::u16string(kBannerStart) + std::u16string(kTitle) + u"</td><td>" +
+                                  Picture(u" width=88 height=31 align=right") +
+                                  std::u16string(kBannerEnd));
+    EXPECT_EQ(BuildChannelPage(channel_, 240, 40, true, context_),
+              std::u16string(kBannerStart) + Picture(u" width=88 height=31 align=left") +
+                  std::u16string(kBannerEnd));
 }
 
 TEST_F(ChannelPageTest, BothFamiliesShowTheTitleAloneWhileTheLogoIsNotOnDisk) {

@@ -45,7 +45,7 @@ protected:
     NewsItem item_;
 };
 
-TEST_F(StoryPageTest, FullPageWithTitleDateAndCharset) {
+TEST_F(StoryPageTest, FullPageWithTitleLocalDateAndCharset) {
     channel_.SetEncoding(WString(u"windows-1251"));
     const std::u16string expected =
         std::u16string(u"<html><meta http-equiv=\"content-type\" content=\"text/html; "
@@ -55,6 +55,9 @@ TEST_F(StoryPageTest, FullPageWithTitleDateAndCharset) {
         u"<tr><td><p>Winds of <i>120</i> km/h.</p>" +
         std::u16string(kDatedTail);
     EXPECT_EQ(Page(), expected);
+    // The date is shown in local time.
+    clock_.setZone(TimeZoneInfo{-120, -60, true});
+    EXPECT_NE(Page().find(u"Published: 10/23/07 1:16 AM</font>"), std::u16string::npos);
 }
 
 TEST_F(StoryPageTest, WithoutTitleDateOrCharsetThoseRowsAreLeftOut) {
@@ -97,11 +100,6 @@ TEST_F(StoryPageTest, InsertedTextsKeepTheirMarkup) {
     const std::u16string page = Page();
     EXPECT_NE(page.find(u"<font color=\"#6898C8\">A & B <i>news</i></font>"), std::u16string::npos);
     EXPECT_NE(page.find(u"<b>1 < 2 & \"quoted\"</b>"), std::u16string::npos);
-}
-
-TEST_F(StoryPageTest, DateIsShownInLocalTime) {
-    clock_.setZone(TimeZoneInfo{-120, -60, true});
-    EXPECT_NE(Page().find(u"Published: 10/23/07 1:16 AM</font>"), std::u16string::npos);
 }
 
 TEST_F(StoryPageTest, LongTitleCutsEverythingBeforeTheBodyAt1039Characters) {

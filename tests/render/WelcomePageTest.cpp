@@ -15,12 +15,9 @@ constexpr std::u16string_view kContinueHint =
     u"<center><br><br>To get started, please tap <b>Continue</b>.</center>";
 constexpr std::u16string_view kEnd = u"</body></html>";
 
-TEST(WelcomePage, PocketPcPageAsksToTapContinue) {
+TEST(WelcomePage, PocketPcPageAsksToTapContinueAndOtherDevicesEndAfterTheGreeting) {
     EXPECT_EQ(BuildWelcomePage(false, 4),
               std::u16string(kGreeting) + std::u16string(kContinueHint) + std::u16string(kEnd));
-}
-
-TEST(WelcomePage, OtherDevicesEndAfterTheGreeting) {
     const std::u16string greetingOnly = std::u16string(kGreeting) + std::u16string(kEnd);
     EXPECT_EQ(BuildWelcomePage(true, 12), greetingOnly);
     EXPECT_EQ(BuildWelcomePage(true, 4), greetingOnly);
