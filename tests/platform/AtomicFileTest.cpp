@@ -7,7 +7,7 @@
 namespace qf {
 namespace {
 
-TEST(AtomicFile, ReplacesTheFileWholeAndLeavesNoTemporaryBehind) {
+TEST(AtomicFile, ReplacesTheFileWholeAndLeavesNoTemporaryBehindButNeedsItsFolder) {
     test::TempDir dir;
     const auto path = dir / "store.opml";
     test::WriteFileBytes(path, "old");
@@ -18,10 +18,7 @@ TEST(AtomicFile, ReplacesTheFileWholeAndLeavesNoTemporaryBehind) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()),
                             std::filesystem::directory_iterator()),
               1);
-}
-
-TEST(AtomicFile, MissingFolderFailsAndWritesNothing) {
-    test::TempDir dir;
+    // A missing folder fails and is not made.
     EXPECT_FALSE(WriteFileAtomically(dir / "missing/store.opml", "x"));
     EXPECT_FALSE(std::filesystem::exists(dir / "missing"));
 }

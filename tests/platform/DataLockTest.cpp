@@ -18,10 +18,13 @@ protected:
     test::EnvVar data{"QUILLFEED_HOME", (dir / "data").string()};
 };
 
+// The lock lives beside the settings and creates no data folder.
 TEST_F(DataLockTest, SecondHolderIsRefusedUntilTheFirstLetsGo) {
     auto first = std::make_unique<DataLock>();
     ASSERT_TRUE(first->held()) << Utf16ToUtf8(first->errorText());
     EXPECT_TRUE(first->errorText().empty());
+    EXPECT_TRUE(std::filesystem::exists(dir / "config/Orvelcraft/Quillfeed.lock"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "data"));
 
     const DataLock second;
     EXPECT_FALSE(second.held());
@@ -45,13 +48,6 @@ TEST_F(DataLockTest, AnotherProcessIsRefusedWhileTheLockIsHeld) {
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 0);
-}
-
-TEST_F(DataLockTest, LivesBesideTheSettingsAndCreatesNoDataFolder) {
-    const DataLock lock;
-    ASSERT_TRUE(lock.held());
-    EXPECT_TRUE(std::filesystem::exists(dir / "config/Orvelcraft/Quillfeed.lock"));
-    EXPECT_FALSE(std::filesystem::exists(dir / "data"));
 }
 
 TEST_F(DataLockTest, LockFileThatCannotBeOpenedSaysWhere) {
