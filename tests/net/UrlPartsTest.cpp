@@ -28,7 +28,7 @@ TEST(CrackUrl, KnownPrefixesSetTheSchemeAndItsDefaultPort) {
     }
 }
 
-TEST(CrackUrl, HostKeepsThePortNumberThatFollowsItAndWithoutSlashIsAllHost) {
+TEST(CrackUrl, HostKeepsThePortNumberThatFollowsItWhichIsReadAfterTheLastColon) {
     const UrlParts parts = Cracked(u"http://example.com:8080/news/feed.xml?x=1");
     EXPECT_EQ(parts.host, u"example.com:8080");
     EXPECT_EQ(parts.port, 8080);
@@ -36,9 +36,7 @@ TEST(CrackUrl, HostKeepsThePortNumberThatFollowsItAndWithoutSlashIsAllHost) {
     const UrlParts noSlash = Cracked(u"https://example.com");
     EXPECT_EQ(noSlash.host, u"example.com");
     EXPECT_EQ(noSlash.path, u"");
-}
-
-TEST(CrackUrl, PortIsReadAfterTheLastColonEvenInThePath) {
+    // The port is read after the last colon, even one in the path.
     EXPECT_EQ(Cracked(u"http://example.com/feed:rss").port, 0);
     EXPECT_EQ(Cracked(u"http://example.com:8080/feed:rss").port, 0);
     EXPECT_EQ(Cracked(u"http://example.com/at?time=10:30").port, 30);

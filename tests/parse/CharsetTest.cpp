@@ -27,45 +27,41 @@ TEST(DetectFeedType, ComparesTheWholeRootNameIgnoringCase) {
     EXPECT_EQ(DetectFeedType(u""), kFeedUnknown);
 }
 
-struct LanguageResult {
-    bool matched;
-    int32_t codePage;
+// Russian accepts a region only after a lower-case "ru"; the Asian languages match only when
+// written bare. A miss clears both answers.
+TEST(LanguageToCodePage, RussianTakesARegionAndAsianLanguagesMatchOnlyBare) {
+    const struct {
+        const char16_t* language;
+        int32_t codePage;
+        const char16_t* charsetName;
+    } cases[] = {{u"ru", 1251, u"windows-1251"},
+                 {u"RU", 1251, u"windows-1251"},
+                 {u"ru-RU", 1251, u"windows-1251"},
+                 {u"ru-ua", 1251, u"windows-1251"},
+                 {u"zh-CN", 936, u"windows-936"},
+                 {u"ZH-TW", 950, u"windows-950"},
+                 {u"Ja", 932, u"windows-932"},
+                 {u"ko", 949, u"windows-949"},
+                 {u"RU-ru", 0, u""},
+                 {u"Ru-RU", 0, u""},
+                 {u"ru_RU", 0, u""},
+                 {u"rus", 0, u""},
+                 {u"ja-jp", 0, u""},
+                 {u"ko-KR", 0, u""},
+                 {u"zh", 0, u""},
+                 {u"en", 0, u""},
+                 {u"", 0, u""}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(WString(c.language).toUtf8());
+        int32_t codePage = -1;
+        std::u16string charsetName = u"stale";
+        EXPECT_EQ(LanguageToCodePage(WString(c.language), codePage, charsetName), c.codePage != 0);
+        EXPECT_EQ(codePage, c.codePage);
+        EXPECT_EQ(charsetName, c.charsetName);
+    }
+    int32_t codePage = -1;
     std::u16string charsetName;
-};
-
-LanguageResult LookUpLanguage(const WString& language) {
-    LanguageResult result{false, -1, u"stale"};
-    result.matched = LanguageToCodePage(language, result.codePage, result.charsetName);
-    return result;
-}
-
-TEST(LanguageToCodePage, RussianAcceptsARegionOnlyAfterLowerCaseRu) {
-    for (const char16_t* language : {u"ru", u"RU", u"ru-RU", u"ru-ua"}) {
-        const LanguageResult result = LookUpLanguage(language);
-        EXPECT_TRUE(result.matched) << WString(language).toUtf8();
-        EXPECT_EQ(result.codePage, 1251);
-        EXPECT_EQ(result.charsetName, u"windows-1251");
-    }
-    for (const char16_t* language : {u"RU-ru", u"Ru-RU", u"ru_RU", u"rus"}) {
-        EXPECT_FALSE(LookUpLanguage(language).matched) << WString(language).toUtf8();
-    }
-}
-
-TEST(LanguageToCodePage, AsianLanguagesMatchOnlyWhenWrittenBare) {
-    EXPECT_EQ(LookUpLanguage(u"zh-CN").codePage, 936);
-    EXPECT_EQ(LookUpLanguage(u"ZH-TW").codePage, 950);
-    EXPECT_EQ(LookUpLanguage(u"Ja").codePage, 932);
-    const LanguageResult korean = LookUpLanguage(u"ko");
-    EXPECT_TRUE(korean.matched);
-    EXPECT_EQ(korean.charsetName, u"windows-949");
-
-    for (const char16_t* language : {u"ja-jp", u"ko-KR", u"zh", u"en", u""}) {
-        const LanguageResult result = LookUpLanguage(language);
-        EXPECT_FALSE(result.matched) << WString(language).toUtf8();
-        EXPECT_EQ(result.codePage, 0);
-        EXPECT_EQ(result.charsetName, u"");
-    }
-    EXPECT_FALSE(LookUpLanguage(WString()).matched);
+    EXPECT_FALSE(LanguageToCodePage(WString(), codePage, charsetName));
 }
 
 // Windows names give their leading number, ISO names need part 8859 and a known part, and
