@@ -33,9 +33,7 @@ TEST_F(PageCommandTest, StoryPageCarriesTheBodyAsGivenAndEndsWithOneNewline) {
     EXPECT_THAT(page.out, HasSubstr("<td>Hello <b>world</b></td>"));
     EXPECT_THAT(page.out, HasSubstr("Published: 10/22/07 10:16 PM"));
     EXPECT_EQ(page.out.substr(page.out.size() - 8), "</html>\n");
-}
-
-TEST_F(PageCommandTest, StoryWithoutTextOrOutsideTheFeedFails) {
+    // A story without text, or outside the feed, has no page.
     EXPECT_EQ(Page({"--story", "1"}).exitCode, 1);
     EXPECT_EQ(Page({"--story", "2"}).exitCode, 1);
 }
