@@ -1,6 +1,5 @@
 #include "cli/Commands.h"
 #include "cli/Session.h"
-#include "platform/StringTable.h"
 #include "platform/Text.h"
 
 #include <optional>
@@ -9,9 +8,6 @@
 namespace qf::cli {
 
 namespace {
-
-// "Channel #", which the add-channel wizard follows with the next id to propose a title.
-constexpr int kStrNewChannelTitle = 40243;
 
 class AddCommand : public Command {
 public:
@@ -28,7 +24,7 @@ public:
             return kExitFailed;
         }
         ChannelStore& store = session.store();
-        const WString title = title_ ? WString(Utf8ToUtf16(*title_)) : ProposedTitle(store);
+        const WString title = WString(title_ ? Utf8ToUtf16(*title_) : store.ProposedTitle());
         const Channel* channel = store.AddChannel(WString(Utf8ToUtf16(url_)), title);
         if (channel == nullptr) {
             PrintError(u"The category already holds the channel '" + Utf8ToUtf16(url_) + u"'.");
@@ -42,11 +38,6 @@ public:
     }
 
 private:
-    static WString ProposedTitle(const ChannelStore& store) {
-        return WString(std::u16string(LoadString(kStrNewChannelTitle)) +
-                       AsciiToUtf16(std::to_string(store.nextId())));
-    }
-
     std::string url_;
     std::optional<std::string> title_;
 };

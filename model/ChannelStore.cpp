@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <string>
 
 namespace qf {
 
@@ -138,6 +139,10 @@ Category& ChannelStore::CategoryForNewChannel() {
         return *shown;
     }
     return *categories_.front();
+}
+
+std::u16string ChannelStore::ProposedTitle() const {
+    return std::u16string(LoadString(kStrNewChannelTitle)) + AsciiToUtf16(std::to_string(nextId_));
 }
 
 Channel* ChannelStore::AddChannel(const WString& xmlUrl, const WString& title) {

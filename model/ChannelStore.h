@@ -109,6 +109,9 @@ public:
     // the store's interval and the next id. Answers nullptr when that category already holds the
     // address, ignoring case.
     Channel* AddChannel(const WString& xmlUrl, const WString& title);
+    // The title proposed for a channel about to be added without one: "Channel #" and the id it
+    // will get.
+    std::u16string ProposedTitle() const;
     // Adds copies of the source's channels (without stories) to the categories of the same names,
     // creating missing ones and passing over addresses a category already holds. A copy keeps its
     // source's id unless that is 0 or already taken in the store (also by an earlier copy); then

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <string>
 #include <type_traits>
 
@@ -50,22 +49,12 @@ template <typename Char> bool LooksLikeFeedText(std::basic_string_view<Char> tex
     return HoldsFeedRootWord(text);
 }
 
-// In UTF-8 every ASCII byte decodes to itself and no other byte decodes to ASCII, so with UTF-8
-// as the default character set (the usual case) the ASCII words can be sought in the bytes
-// themselves, which saves converting a whole feed just to look at it.
-bool DefaultCharsetIsUtf8() {
-    const char* value = std::getenv(kDefaultCodePageVariable);
-    if (value == nullptr) {
-        return true;
-    }
-    const std::u16string name = AsciiToUtf16(value);
-    return name.empty() || name == u"65001" || EqualsIgnoreCase(name, u"UTF-8") ||
-           EqualsIgnoreCase(name, u"UTF8");
-}
-
 } // namespace
 
 bool LooksLikeFeedFile(std::string_view bytes) {
+    // In UTF-8 every ASCII byte decodes to itself and no other byte decodes to ASCII, so with
+    // UTF-8 as the default character set (the usual case) the ASCII words can be sought in the
+    // bytes themselves, which saves converting a whole feed just to look at it.
     if (DefaultCharsetIsUtf8()) {
         return LooksLikeFeedText(bytes.substr(0, bytes.find('\0')));
     }

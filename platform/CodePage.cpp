@@ -266,6 +266,13 @@ const Converter& ConverterFor(int32_t codePage) {
 
 } // namespace
 
+bool DefaultCharsetIsUtf8() {
+    const std::string name = DefaultCharsetName();
+    const std::u16string wide = AsciiToUtf16(name);
+    return EqualsIgnoreCase(wide, u"UTF-8") || EqualsIgnoreCase(wide, u"UTF8") ||
+           FindConverter(name) == nullptr;
+}
+
 std::u16string DecodeCodePage(std::string_view bytes, int32_t codePage, std::size_t maxUnits) {
     const Converter& converter = ConverterFor(codePage);
     if (converter.asciiCompatible && IsAscii(bytes)) {

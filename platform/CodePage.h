@@ -15,6 +15,10 @@ inline constexpr const char* kDefaultCodePageVariable = "QUILLFEED_CODEPAGE";
 // Windows code page of UTF-8, which the converter does not know by its number.
 inline constexpr int32_t kUtf8CodePage = 65001;
 
+// Whether code page 0 stands for UTF-8: the variable is unset, empty, names UTF-8 (by name or
+// as 65001), or names nothing the converter can use, which also falls back to UTF-8.
+bool DefaultCharsetIsUtf8();
+
 // Bytes in a Windows code page to UTF-16, at most maxUnits units (a surrogate pair is never
 // split). Code page 0, and numbers the system has no character set for, use the default
 // character set. Invalid bytes become U+FFFD; the conversion always goes on past them.

@@ -12,6 +12,7 @@ std::u16string_view LoadString(int id);
 enum StringId : int {
     kStrProductName = 101,
     kStrDefaultCategory = 40227,
+    kStrNewChannelTitle = 40243,
     kStrDownloadFailed = 40244,
     kStrParseFailed = 40245,
     kStrWelcomeGreeting = 40258,

@@ -1,6 +1,7 @@
 #include "ui/EnterUrlPage.h"
 
-#include "platform/StringTable.h"
+#include "model/ChannelStore.h"
+#include "ui/QtText.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -9,8 +10,6 @@
 namespace qf::ui {
 
 namespace {
-
-constexpr int kStrChannelNumber = 40243;
 
 QLabel* NewLabel(const QString& text, QLineEdit* buddy, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -38,9 +37,7 @@ EnterUrlPage::EnterUrlPage(WizardData& wizardData, const ChannelStore& store, QW
 void EnterUrlPage::Activate() {
     url_->setText(data_.url);
     if (data_.title.isEmpty()) {
-        const std::u16string_view prefix = LoadString(kStrChannelNumber);
-        data_.title = QString::fromUtf16(prefix.data(), static_cast<qsizetype>(prefix.size())) +
-                      QString::number(store_.nextId());
+        data_.title = ToQString(store_.ProposedTitle());
     }
     title_->setText(data_.title);
     url_->setFocus();

@@ -1,5 +1,6 @@
 #include "parse/Charset.h"
 
+#include "platform/CodePage.h"
 #include "support/TestEnv.h"
 
 #include <optional>
@@ -185,6 +186,7 @@ TEST_F(CodePageConversion, UnknownCodePagesFallBackToTheDefault) {
 TEST_F(CodePageConversion, DefaultCharacterSetFollowsTheEnvironment) {
     {
         test::EnvVar russian(kDefaultVariable, "1251");
+        EXPECT_FALSE(DefaultCharsetIsUtf8());
         EXPECT_EQ(BytesToWide("\xcf", 0), u"П");
         EXPECT_EQ(BytesToWide("\xcf", 99999), u"П");
         EXPECT_EQ(WideToBytes(u"П", 0), "\xcf");
@@ -195,8 +197,9 @@ TEST_F(CodePageConversion, DefaultCharacterSetFollowsTheEnvironment) {
         EXPECT_EQ(BytesToWide("\xf0", 0), u"П");
         EXPECT_EQ(BytesToWide("\xcf", 1251), u"П");
     }
-    for (const char* unusable : {"no-such-charset", "0", ""}) {
+    for (const char* unusable : {"no-such-charset", "0", "", "65001", "utf8"}) {
         test::EnvVar fallback(kDefaultVariable, unusable);
+        EXPECT_TRUE(DefaultCharsetIsUtf8()) << unusable;
         EXPECT_EQ(BytesToWide("\xc3\xa9", 0), u"é") << unusable;
     }
     EXPECT_EQ(BytesToWide("\xc3\xa9", 0), u"é");
