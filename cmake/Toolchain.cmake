@@ -10,7 +10,12 @@ if(QF_SANITIZE)
   add_link_options(-fsanitize=${QF_SANITIZE})
 endif()
 
+# Only the project's own targets get these (library headers come in as system headers), so with
+# QF_WERROR a warning fails the build of our code but never CMake's checks or someone else's header.
 function(qf_warnings target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wold-style-cast
                          -Wnon-virtual-dtor -Wshadow)
+  if(QF_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
 endfunction()

@@ -31,10 +31,12 @@ qf_ensure_packages() {
 }
 
 # qf_build DIR [cmake options...]: configures DIR once (again when options change) and builds it:
-# everything, or only the targets named in QF_BUILD_TARGETS.
+# everything, or only the targets named in QF_BUILD_TARGETS. Under CI (CI=true, as CI runners set
+# it) a warning in our code fails the build; a developer's own build only shows it.
 qf_build() {
   local dir=$1
   shift
+  if [ "${CI:-}" = true ]; then set -- "$@" -DQF_WERROR=ON; else set -- "$@" -DQF_WERROR=OFF; fi
   local stamp="$dir/.qf-configure-args" args="$*"
   if [ ! -f "$dir/build.ninja" ] || [ "$(cat "$stamp" 2>/dev/null)" != "$args" ]; then
     cmake -S "$QF_ROOT" -B "$dir" -G Ninja "$@"
