@@ -18,7 +18,7 @@ for program in ./test_*; do
   log=$(mktemp)
   start=$(date +%s)
   if "$program" --gtest_shuffle --gtest_random_seed="$seed" --gtest_brief=1 >"$log" 2>&1; then
-    echo "--- ${program#./}: passed ($(($(date +%s) - start)) s)"
+    echo "--- ${program#./}: passed $(grep -o '[0-9]* tests\?' "$log" | tail -n 1) ($(($(date +%s) - start)) s)"
   else
     echo "--- ${program#./}: FAILED with seed $seed"
     cat "$log"
