@@ -30,8 +30,13 @@ std::string Attribute(const WString& text) {
 void AppendChannel(std::string& out, const Channel& channel) {
     const std::string text =
         Attribute(channel.title().empty() ? channel.xmlUrl() : channel.title());
-    out += "      <outline type=\"rss\" text=\"" + text + "\" title=\"" + text + "\" xmlUrl=\"" +
-           Attribute(channel.xmlUrl()) + "\"/>\n";
+    out.append(R"(      <outline type="rss" text=")")
+        .append(text)
+        .append(R"(" title=")")
+        .append(text)
+        .append(R"(" xmlUrl=")")
+        .append(Attribute(channel.xmlUrl()))
+        .append("\"/>\n");
 }
 
 // The subscriptions as OPML 2.0 for other feed readers: a folder outline per category, and for
@@ -45,7 +50,11 @@ std::string ExportOpml(const ChannelStore& store) {
                       "  <body>\n";
     for (const auto& category : store.categories()) {
         const std::string name = Attribute(category->name());
-        out += "    <outline text=\"" + name + "\" title=\"" + name + "\">\n";
+        out.append(R"(    <outline text=")")
+            .append(name)
+            .append(R"(" title=")")
+            .append(name)
+            .append("\">\n");
         for (const auto& channel : category->channels()) {
             AppendChannel(out, *channel);
         }

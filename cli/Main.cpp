@@ -39,6 +39,9 @@ int RunCli(int argc, char** argv) {
 
 } // namespace
 
+// An exception that reaches here is a programming error or memory running out: ending at once,
+// as the runtime does, is right.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char** argv) {
     std::setlocale(LC_ALL, "");
     return RunCli(argc, argv);

@@ -285,12 +285,12 @@ private:
             c.SetCodePage(CharsetToCodePage(name));
             document_.SetCodePageFromName(name);
         }
-        if (!ReadText(attributes, kText, [&c](WString v) { c.SetTitle(v); })) {
-            ReadText(attributes, kTitle, [&c](WString v) { c.SetTitle(v); });
+        if (!ReadText(attributes, kText, [&c](const WString& v) { c.SetTitle(v); })) {
+            ReadText(attributes, kTitle, [&c](const WString& v) { c.SetTitle(v); });
         }
-        ReadText(attributes, kXmlUrl, [&c](WString v) { c.SetXmlUrl(v); });
-        ReadText(attributes, kUserName, [&c](WString v) { c.SetUserName(v); });
-        ReadText(attributes, kPassword, [&c](WString v) { c.SetPassword(v); });
+        ReadText(attributes, kXmlUrl, [&c](const WString& v) { c.SetXmlUrl(v); });
+        ReadText(attributes, kUserName, [&c](const WString& v) { c.SetUserName(v); });
+        ReadText(attributes, kPassword, [&c](const WString& v) { c.SetPassword(v); });
         ReadNumber(attributes, kUpdateValue, [&c](int32_t v) { c.SetUpdateValue(v); });
         ReadNumber(attributes, kUpdateUnit, [&c](int32_t v) { c.SetUpdateUnit(v); });
         ReadNumber(attributes, kItemCount, [&c](int32_t v) { c.SetItemCount(v); });
@@ -305,7 +305,7 @@ private:
             c.SetHasErrors(v);
             c.SetState(v != 0 ? kChannelFailed : kChannelIdle);
         });
-        ReadText(attributes, kErrorText, [&c](WString v) { c.SetErrorText(v, false); });
+        ReadText(attributes, kErrorText, [&c](const WString& v) { c.SetErrorText(v, false); });
         return channel;
     }
 

@@ -23,7 +23,7 @@ constexpr int32_t kStatusNotFound = 404;
 constexpr int kMaxRedirects = 2;
 // The body of an answer that is not saved (an error page, a redirect) is read and dropped so
 // that its connection can serve the next request; past this size the connection is given up.
-constexpr std::size_t kDroppedBodyLimit = 64 * 1024;
+constexpr std::size_t kDroppedBodyLimit = std::size_t{64} * 1024;
 
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }

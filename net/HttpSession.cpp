@@ -318,7 +318,8 @@ void SetCredentials(CURL* easy, std::u16string_view userName, std::u16string_vie
 }
 
 void SetCertificateChecks(CURL* easy, CertificatePolicy& policy) {
-    if (const char* caFile = std::getenv("QUILLFEED_CA_FILE"); caFile != nullptr && *caFile) {
+    if (const char* caFile = std::getenv("QUILLFEED_CA_FILE");
+        caFile != nullptr && *caFile != '\0') {
         curl_easy_setopt(easy, CURLOPT_CAINFO, caFile);
     }
     curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);

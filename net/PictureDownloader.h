@@ -19,7 +19,7 @@ class HttpFetcher;
 // How much work pictures may make at once.
 struct PictureLimits {
     static constexpr int kDefaultWorkers = 3;
-    static constexpr int64_t kDefaultMaxBytes = 4 * 1024 * 1024;
+    static constexpr int64_t kDefaultMaxBytes = int64_t{4} * 1024 * 1024;
     static constexpr std::chrono::milliseconds kDefaultTimeout{15000};
 
     // Downloads running side by side; more requests wait their turn.

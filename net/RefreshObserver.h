@@ -53,12 +53,15 @@ public:
 
     // A successful single-channel update asks for `completion` to run as QFM_REFRESHDONE does.
     // By default it runs at once.
+    // Taken by value: an override keeps it to run later on another thread.
+    // NOLINTNEXTLINE(performance-unnecessary-value-param)
     virtual void PostRefreshDone(Channel& channel, RefreshCompletion completion) {
         completion(channel);
     }
 
     // A refresh replaced the channel's stories with new ones. A screen that may still show the
     // old ones keeps them until it has filled its list anew; by default they go at once.
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): an override takes the items over.
     virtual void RetireItems(Channel& /*channel*/, Channel::ItemList /*items*/) {}
 
     // A refresh of all channels has ended, after its last channel was applied.

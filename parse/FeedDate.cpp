@@ -379,7 +379,7 @@ bool FeedDate::FormatRfc822(std::string& out, std::size_t limit) const {
     const char* day =
         time_.dayOfWeek < kDayNames.size() ? kDayNames[time_.dayOfWeek] : kDayNames[0];
     const char* month = time_.month >= 1 && time_.month <= kMonthNames.size()
-                            ? kMonthNames[time_.month - 1u]
+                            ? kMonthNames[time_.month - 1U]
                             : kMonthNames[0];
     return Print(out, limit, "%s, %d %s %d %02d:%02d:%02d GMT", day, int{time_.day}, month,
                  int{time_.year}, int{time_.hour}, int{time_.minute}, int{time_.second});

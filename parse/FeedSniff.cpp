@@ -26,8 +26,8 @@ std::size_t Find(std::basic_string_view<Char> text, std::string_view word, std::
         if (from > text.size()) {
             return std::u16string_view::npos;
         }
-        const auto found = std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(),
-                                       word.begin(), word.end());
+        const auto* const found = std::search(text.begin() + static_cast<std::ptrdiff_t>(from),
+                                              text.end(), word.begin(), word.end());
         return found == text.end() ? std::u16string_view::npos
                                    : static_cast<std::size_t>(found - text.begin());
     }

@@ -34,7 +34,7 @@ constexpr int kParseOptions = XML_PARSE_NONET;
 // Whatever the entities of a document expand to, its readable text (every text and attribute
 // value, entities expanded) may not exceed this many times its own size, nor this floor.
 constexpr std::size_t kEntityAmplification = 4;
-constexpr std::size_t kExpandedTextFloor = 8 * 1024 * 1024;
+constexpr std::size_t kExpandedTextFloor = std::size_t{8} * 1024 * 1024;
 
 constexpr std::u16string_view kDeclarationStart = u"<?xml ";
 constexpr std::u16string_view kDeclarationEnd = u"?>";

@@ -95,7 +95,7 @@ void XmlWriter::Attribute(std::u16string_view name, int32_t decimal) {
         return;
     }
     char digits[16];
-    const auto end = std::to_chars(std::begin(digits), std::end(digits), decimal).ptr;
+    auto* const end = std::to_chars(std::begin(digits), std::end(digits), decimal).ptr;
     text_.append(digits, end);
     text_.push_back('"');
 }

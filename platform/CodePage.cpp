@@ -48,6 +48,8 @@ public:
     void reset() const { iconv(cd_, nullptr, nullptr, nullptr, nullptr); }
 
 private:
+    // iconv_open's failure value is (iconv_t)-1 by its own definition.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     static iconv_t Invalid() { return reinterpret_cast<iconv_t>(static_cast<intptr_t>(-1)); }
 
     iconv_t cd_ = Invalid();

@@ -124,7 +124,7 @@ std::size_t DecodeEscape(std::string_view raw, std::size_t i, std::u16string& ou
         }
         out += value;
     } else if (c >= '0' && c <= '7') {
-        char16_t value = static_cast<char16_t>(c - '0');
+        auto value = static_cast<char16_t>(c - '0');
         for (; i < raw.size() && raw[i] >= '0' && raw[i] <= '7'; ++i) {
             value = static_cast<char16_t>((value << 3) + (raw[i] - '0'));
         }

@@ -69,8 +69,8 @@ static_assert(std::adjacent_find(kStrings.begin(), kStrings.end(),
 } // namespace
 
 std::u16string_view LoadString(int id) {
-    const auto it = std::lower_bound(kStrings.begin(), kStrings.end(), id,
-                                     [](const Entry& e, int key) { return e.id < key; });
+    const auto* const it = std::lower_bound(kStrings.begin(), kStrings.end(), id,
+                                            [](const Entry& e, int key) { return e.id < key; });
     return it != kStrings.end() && it->id == id ? it->text : std::u16string_view();
 }
 

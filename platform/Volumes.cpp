@@ -39,7 +39,8 @@ void AddSubfolders(const std::filesystem::path& root, bool mountPointsOnly,
 
 std::vector<StorageCard> ListStorageCards() {
     std::vector<StorageCard> cards;
-    if (const char* override = std::getenv("QUILLFEED_CARDS"); override && *override) {
+    if (const char* override = std::getenv("QUILLFEED_CARDS");
+        override != nullptr && *override != '\0') {
         AddSubfolders(override, false, cards);
     } else {
         if (const auto user = UserName()) {

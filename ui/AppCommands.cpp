@@ -55,9 +55,7 @@ void App::Help(int) {
 }
 
 void App::Back(int) {
-    if (store_.loaded() == 0) {
-        SetScreen(kChannelsScreen);
-    } else if (screen_ == kChannelScreen) {
+    if (store_.loaded() == 0 || screen_ == kChannelScreen) {
         SetScreen(kChannelsScreen);
     } else if (screen_ == kStoryScreen) {
         SetScreen(kChannelScreen);

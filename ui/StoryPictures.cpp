@@ -11,6 +11,7 @@
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <algorithm>
 #include <vector>
 
 namespace qf::ui {
@@ -46,8 +47,9 @@ void BreakBeforePicture(QTextDocument& document, const QUrl& name) {
     }
     QTextCursor cursor(&document);
     // From the end, so that the positions still to come stay where they are.
-    for (auto at = positions.rbegin(); at != positions.rend(); ++at) {
-        cursor.setPosition(*at);
+    std::reverse(positions.begin(), positions.end());
+    for (const int at : positions) {
+        cursor.setPosition(at);
         cursor.insertText(QString(QChar::LineSeparator));
     }
 }
@@ -127,6 +129,7 @@ void StoryPictures::Arrived(const QString& url, bool saved) {
 }
 
 // `name` is a copy: it may come from the entry that is erased here.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void StoryPictures::Show(const QString& url, QUrl name, const QImage& image) {
     pending_.erase(url);
     if (image.isNull()) {
