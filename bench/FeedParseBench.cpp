@@ -5,7 +5,7 @@
 // (x_floor_time, x_floor_memory).
 #include "model/Channel.h"
 #include "parse/FeedFile.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -3,10 +3,10 @@
 // iteration starts a fresh process (this program again, in its child role) offscreen.
 
 #include "model/ChannelStore.h"
-#include "model/ChannelStoreFile.h"
-#include "platform/AtomicFile.h"
 #include "platform/DataLock.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
+#include "store/ChannelStoreFile.h"
 #include "ui/App.h"
 #include "ui/ChannelListModel.h"
 #include "ui/ChannelsScreen.h"

@@ -2,9 +2,10 @@
 // parsing it and visiting every element and attribute, and serialising the parsed tree and
 // writing it as durably as the store is written.
 #include "model/ChannelStore.h"
-#include "model/ChannelStoreFile.h"
 #include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
+#include "store/ChannelStoreFile.h"
 
 #include <filesystem>
 #include <fstream>

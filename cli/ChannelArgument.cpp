@@ -1,11 +1,11 @@
 #include "cli/ChannelArgument.h"
 
 #include "cli/Session.h"
-#include "model/CachedFeeds.h"
 #include "model/DataFolder.h"
-#include "model/FileUtil.h"
+#include "platform/Files.h"
 #include "platform/StringTable.h"
 #include "platform/Text.h"
+#include "store/CachedFeeds.h"
 
 #include <string>
 

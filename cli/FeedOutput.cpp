@@ -2,7 +2,7 @@
 
 #include "cli/Session.h"
 #include "model/Channel.h"
-#include "parse/Charset.h"
+#include "parse/FeedType.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "cli/Commands.h"
 #include "cli/Session.h"
-#include "parse/OpmlImport.h"
 #include "platform/Text.h"
+#include "store/OpmlImport.h"
 
 #include <algorithm>
 #include <string>

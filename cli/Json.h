@@ -1,6 +1,6 @@
 #pragma once
 
-#include "parse/FeedDate.h"
+#include "model/FeedDate.h"
 #include "platform/WString.h"
 
 #include <nlohmann/json.hpp>

@@ -1,8 +1,8 @@
 #include "cli/ChannelArgument.h"
 #include "cli/Commands.h"
 #include "cli/Session.h"
-#include "model/CachedFeeds.h"
 #include "platform/Text.h"
+#include "store/CachedFeeds.h"
 
 #include <string>
 #include <vector>
@@ -57,7 +57,7 @@ private:
             channel.ItemAt(number - 1)->SetRead(read_ ? 1 : 0);
         }
         channel.CountItems();
-        channel.SetModified(1);
+        channel.SetModified(true);
         return true;
     }
 

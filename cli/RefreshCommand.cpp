@@ -206,11 +206,10 @@ bool RefreshCommand::FindChosen(const ChannelStore& store, std::vector<Channel*>
 bool RefreshCommand::RefreshChosen(ChannelStore& store, const std::vector<Channel*>& chosen,
                                    RefreshEngine& engine, CommandObserver& observer,
                                    ProgressLine& line) {
-    store.stopRequested() = 0;
-    store.abortRequested() = 0;
+    store.refresh().ClearStopAndAbort();
     bool succeeded = true;
     const auto count = static_cast<int32_t>(chosen.size());
-    for (int32_t i = 0; i < count && store.stopRequested() == 0; ++i) {
+    for (int32_t i = 0; i < count && !store.refresh().stopRequested(); ++i) {
         Channel& channel = *chosen[static_cast<std::size_t>(i)];
         if (channel.xmlUrl().empty()) {
             PrintError(ShownTitle(channel).str() + u": the channel has no feed address.");

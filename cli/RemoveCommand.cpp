@@ -1,8 +1,8 @@
 #include "cli/ChannelArgument.h"
 #include "cli/Commands.h"
 #include "cli/Session.h"
-#include "model/CachedFeeds.h"
 #include "platform/Text.h"
+#include "store/CachedFeeds.h"
 
 #include <string>
 

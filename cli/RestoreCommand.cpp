@@ -1,9 +1,9 @@
 #include "cli/Commands.h"
 #include "cli/Json.h"
 #include "cli/Session.h"
-#include "model/StoreBackups.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
+#include "store/StoreBackups.h"
 
 #include <filesystem>
 #include <string>

@@ -1,10 +1,10 @@
 #include "cli/Session.h"
 
-#include "model/ChannelStoreFile.h"
-#include "model/FileUtil.h"
 #include "model/ViewerSettings.h"
 #include "net/DataFolderTidy.h"
+#include "platform/Files.h"
 #include "platform/Text.h"
+#include "store/ChannelStoreFile.h"
 
 #include <cstdio>
 

@@ -9,10 +9,10 @@ namespace qf::cli {
 namespace {
 
 // A signal handler may only touch lock-free atomics.
-std::atomic<std::atomic<int32_t>*> gStopRequested{nullptr};
-std::atomic<std::atomic<int32_t>*> gAbortRequested{nullptr};
+std::atomic<RefreshFlags*> gRefresh{nullptr};
 std::atomic<int> gInterrupts{0};
-static_assert(std::atomic<int32_t>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
+static_assert(std::atomic<RefreshFlags*>::is_always_lock_free &&
+              std::atomic<int>::is_always_lock_free);
 
 void OnInterrupt(int signal) {
     if (gInterrupts.fetch_add(1) > 0) {
@@ -20,19 +20,15 @@ void OnInterrupt(int signal) {
         std::raise(signal);
         return;
     }
-    if (auto* stop = gStopRequested.load()) {
-        stop->store(1);
-    }
-    if (auto* abort = gAbortRequested.load()) {
-        abort->store(1);
+    if (RefreshFlags* refresh = gRefresh.load()) {
+        refresh->RequestAbort();
     }
 }
 
 } // namespace
 
 StopOnInterrupt::StopOnInterrupt(ChannelStore& store) {
-    gStopRequested = &store.stopRequested();
-    gAbortRequested = &store.abortRequested();
+    gRefresh = &store.refresh();
     gInterrupts = 0;
     struct sigaction action {};
     action.sa_handler = OnInterrupt;
@@ -42,8 +38,7 @@ StopOnInterrupt::StopOnInterrupt(ChannelStore& store) {
 
 StopOnInterrupt::~StopOnInterrupt() {
     sigaction(SIGINT, &previous_, nullptr);
-    gStopRequested = nullptr;
-    gAbortRequested = nullptr;
+    gRefresh = nullptr;
 }
 
 bool StopOnInterrupt::interrupted() const {

@@ -1,4 +1,4 @@
-# Files compiled into qfcore as byte arrays, so that both programs carry them.
+# Files compiled into the store library as byte arrays, so that both programs carry them.
 # Each entry of QF_RESOURCES is "symbol=path"; the array is named kResource_<symbol>.
 set(QF_RESOURCES "")
 file(GLOB QF_RESOURCE_FILES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/resources/*)
@@ -12,5 +12,5 @@ foreach(res IN LISTS QF_RESOURCE_FILES)
             -P ${PROJECT_SOURCE_DIR}/cmake/EmbedFile.cmake
     DEPENDS ${res} ${PROJECT_SOURCE_DIR}/cmake/EmbedFile.cmake
     VERBATIM)
-  target_sources(qfcore PRIVATE ${out})
+  target_sources(qf_store PRIVATE ${out})
 endforeach()

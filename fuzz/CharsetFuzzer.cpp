@@ -3,6 +3,7 @@
 // UTF-16 (unpaired surrogates included) to be written out.
 
 #include "parse/Charset.h"
+#include "parse/FeedType.h"
 
 #include <cstddef>
 #include <cstdint>

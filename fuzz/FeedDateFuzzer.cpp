@@ -1,7 +1,7 @@
 // Feeds arbitrary bytes to both forms of FeedDate::Parse and formats whatever comes out. Beyond
 // crashes it checks the promises callers build on: a refused text leaves an empty date, and a
 // stored date written as RFC 822 text reads back as the same date.
-#include "parse/FeedDate.h"
+#include "model/FeedDate.h"
 
 #include <cstddef>
 #include <cstdint>

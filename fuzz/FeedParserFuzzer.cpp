@@ -6,7 +6,6 @@
 #include "parse/FeedReader.h"
 #include "parse/ReadState.h"
 #include "parse/XmlDocument.h"
-#include "platform/AtomicFile.h"
 #include "platform/Text.h"
 
 #include <cstddef>

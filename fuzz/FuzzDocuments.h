@@ -5,7 +5,7 @@
 
 #include "fuzz/FuzzScratch.h"
 #include "parse/XmlDocument.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
 
 #include <cstddef>

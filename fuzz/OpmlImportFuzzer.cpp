@@ -3,8 +3,8 @@
 // hang either step.
 #include "fuzz/FuzzScratch.h"
 #include "model/ChannelStore.h"
-#include "parse/OpmlImport.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
+#include "store/OpmlImport.h"
 
 #include <cstddef>
 #include <cstdint>

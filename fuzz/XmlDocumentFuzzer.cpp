@@ -2,7 +2,7 @@
 // saves whatever loaded: no input may crash it, hang it or make it read outside the tree.
 #include "fuzz/FuzzDocuments.h"
 #include "parse/XmlDocument.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
 
 #include <cstddef>

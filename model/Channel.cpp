@@ -21,10 +21,8 @@ int32_t ListSize(const Channel::ItemList& items) {
 
 } // namespace
 
-int32_t Channel::itemCount(bool recount) {
-    if (recount) {
-        itemCount_ = ListSize(items_);
-    }
+int32_t Channel::RecountItems() {
+    itemCount_ = ListSize(items_);
     return itemCount_;
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "model/ChannelImage.h"
+#include "model/FeedDate.h"
+#include "model/NewsItem.h"
 #include "model/UpdateInterval.h"
-#include "parse/FeedDate.h"
-#include "parse/NewsItem.h"
 #include "platform/WString.h"
 
 #include <cstdint>
@@ -39,11 +39,11 @@ public:
     int32_t updateUnit() const { return updateUnit_; }
     const WString& cacheFile() const { return cacheFile_; }
     int32_t itemCount() const { return itemCount_; }
-    // With `recount`, the count is first set to the length of the item list.
-    int32_t itemCount(bool recount);
+    // Sets the count to the length of the item list, and answers it.
+    int32_t RecountItems();
     int32_t newItemCount() const { return newItemCount_; }
     int32_t matchCount() const { return matchCount_; }
-    int32_t modified() const { return modified_; }
+    bool modified() const { return modified_; }
     const WString& encoding() const { return encoding_; }
     int32_t codePage() const { return codePage_; }
     int32_t hasErrors() const { return hasErrors_; }
@@ -73,7 +73,7 @@ public:
     // Ignored when negative.
     void SetNewItemCount(int32_t count);
     void SetMatchCount(int32_t count) { matchCount_ = count; }
-    void SetModified(int32_t modified) { modified_ = modified; }
+    void SetModified(bool modified) { modified_ = modified; }
     void SetEncoding(const WString& encoding) { encoding_.set(encoding); }
     void SetCodePage(int32_t codePage) { codePage_ = codePage; }
     void SetHasErrors(int32_t hasErrors) { hasErrors_ = hasErrors; }
@@ -112,7 +112,7 @@ private:
     int32_t itemCount_ = 0;
     int32_t newItemCount_ = 0;
     int32_t matchCount_ = 0;
-    int32_t modified_ = 0;
+    bool modified_ = false;
     WString encoding_;
     int32_t codePage_ = 0;
     int32_t hasErrors_ = 0;

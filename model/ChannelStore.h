@@ -1,11 +1,11 @@
 #pragma once
 
 #include "model/Category.h"
+#include "model/FeedDate.h"
+#include "model/RefreshFlags.h"
 #include "model/ViewerSettings.h"
-#include "parse/FeedDate.h"
 #include "platform/WString.h"
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -70,16 +70,12 @@ public:
     const std::u16string& unreadableStorePath() const { return unreadableStorePath_; }
     void SetUnreadableStorePath(std::u16string path) { unreadableStorePath_ = std::move(path); }
 
-    // Run-time flags, never saved. `loaded` belongs to the main thread; the other three are
-    // written by one thread and polled by another.
-    int32_t loaded() const { return loaded_; }
-    void SetLoaded(int32_t loaded) { loaded_ = loaded; }
-    std::atomic<int32_t>& busy() { return busy_; }
-    const std::atomic<int32_t>& busy() const { return busy_; }
-    std::atomic<int32_t>& stopRequested() { return stopRequested_; }
-    const std::atomic<int32_t>& stopRequested() const { return stopRequested_; }
-    std::atomic<int32_t>& abortRequested() { return abortRequested_; }
-    const std::atomic<int32_t>& abortRequested() const { return abortRequested_; }
+    // Run-time state, never saved. `loaded` belongs to the main thread; the refresh's flags are
+    // shared with the workers (see RefreshFlags for who may change what).
+    bool loaded() const { return loaded_; }
+    void SetLoaded(bool loaded) { loaded_ = loaded; }
+    RefreshFlags& refresh() { return refresh_; }
+    const RefreshFlags& refresh() const { return refresh_; }
 
     const CategoryList& categories() const { return categories_; }
     CategoryList& categories() { return categories_; }
@@ -169,10 +165,8 @@ private:
     std::u16string channelStorePath_;
     std::u16string unreadableStorePath_;
 
-    int32_t loaded_ = 0;
-    std::atomic<int32_t> busy_{0};
-    std::atomic<int32_t> stopRequested_{0};
-    std::atomic<int32_t> abortRequested_{0};
+    bool loaded_ = false;
+    RefreshFlags refresh_;
 };
 
 } // namespace qf

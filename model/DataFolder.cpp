@@ -1,7 +1,8 @@
 #include "model/DataFolder.h"
 
-#include "model/FileUtil.h"
-#include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/Folders.h"
+#include "platform/FsPath.h"
 #include "platform/Volumes.h"
 
 #include <algorithm>

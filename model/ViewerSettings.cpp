@@ -1,11 +1,8 @@
 #include "model/ViewerSettings.h"
 
 #include "model/DataFolder.h"
-#include "model/FileUtil.h"
-#include "platform/AtomicFile.h"
-#include "platform/IniFile.h"
+#include "platform/SettingsFile.h"
 #include "platform/Text.h"
-#include "platform/UserFolders.h"
 
 #include <string>
 
@@ -35,20 +32,6 @@ constexpr NumericOption kNumericOptions[] = {
      &ViewerSettings::SetTolerantCertificates, true},
 };
 
-// The settings file as it stands: an empty file when there is none yet, nullopt when it exists
-// but cannot be read (a save would then destroy what it holds).
-std::optional<IniFile> ReadSettingsFile(const std::filesystem::path& path) {
-    std::error_code error;
-    if (!std::filesystem::exists(path, error)) {
-        return error ? std::nullopt : std::optional<IniFile>(IniFile());
-    }
-    const auto bytes = ReadFileBytes(FromFsPath(path));
-    if (!bytes) {
-        return std::nullopt;
-    }
-    return IniFile::Parse(*bytes);
-}
-
 // On the first run the data goes to the first storage card, when there is one.
 void ChooseFirstRunVolume(ViewerSettings& settings) {
     if (StorageCardCount() > 0) {
@@ -62,8 +45,7 @@ void ChooseFirstRunVolume(ViewerSettings& settings) {
 } // namespace
 
 bool LoadSettings(ViewerSettings& settings) {
-    const auto path = SettingsFilePath();
-    const auto file = path ? ReadSettingsFile(*path) : std::nullopt;
+    const auto file = ReadSettingsFile();
     if (!file || !file->HasSection(kSection)) {
         ChooseFirstRunVolume(settings);
         return false;
@@ -80,25 +62,16 @@ bool LoadSettings(ViewerSettings& settings) {
 }
 
 bool SaveSettings(const ViewerSettings& settings) {
-    const auto path = SettingsFilePath();
-    if (!path) {
-        return false;
-    }
-    auto file = ReadSettingsFile(*path);
-    if (!file) {
-        return false;
-    }
-    file->SetValue(kSection, kStorageVolumeName, settings.storageVolume().view());
-    for (const NumericOption& option : kNumericOptions) {
-        int32_t value = (settings.*option.get)();
-        if (option.isSwitch) {
-            value = value != 0 ? 1 : 0;
+    return UpdateSettingsFile([&settings](IniFile& file) {
+        file.SetValue(kSection, kStorageVolumeName, settings.storageVolume().view());
+        for (const NumericOption& option : kNumericOptions) {
+            int32_t value = (settings.*option.get)();
+            if (option.isSwitch) {
+                value = value != 0 ? 1 : 0;
+            }
+            file.SetValue(kSection, option.name, AsciiToUtf16(std::to_string(value)));
         }
-        file->SetValue(kSection, option.name, AsciiToUtf16(std::to_string(value)));
-    }
-    std::error_code error;
-    std::filesystem::create_directories(path->parent_path(), error);
-    return !error && WriteFileAtomically(*path, file->Text());
+    });
 }
 
 } // namespace qf

@@ -1,6 +1,5 @@
 #include "net/ChannelUpdate.h"
 
-#include "model/CachedFeeds.h"
 #include "model/CachedFileNames.h"
 #include "model/ChannelStore.h"
 #include "model/DataFolder.h"
@@ -8,6 +7,7 @@
 #include "parse/FeedFile.h"
 #include "parse/ReadState.h"
 #include "platform/StringTable.h"
+#include "store/CachedFeeds.h"
 
 #include <algorithm>
 #include <utility>
@@ -239,7 +239,7 @@ bool ApplyChannelResult(ChannelStore& store, RefreshObserver& observer, ChannelR
     // The new cached feed knows nothing of what was read: have the states written into it.
     if (std::any_of(live->items().begin(), live->items().end(),
                     [](const auto& item) { return item->isRead(); })) {
-        live->SetModified(1);
+        live->SetModified(true);
     }
     live->SetHasErrors(0);
     live->SetUpdateTime(FeedDate::NowUtc());

@@ -1,11 +1,11 @@
 #include "net/DataFolderTidy.h"
 
 #include "model/DataFolder.h"
-#include "model/StoreBackups.h"
 #include "net/PictureFiles.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "platform/TempFile.h"
 #include "platform/UserFolders.h"
+#include "store/StoreBackups.h"
 
 #include <optional>
 #include <string>

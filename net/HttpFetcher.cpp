@@ -2,7 +2,8 @@
 
 #include "net/ConnectionManager.h"
 #include "net/HttpSession.h"
-#include "platform/AtomicFile.h"
+#include "platform/Folders.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -41,16 +42,6 @@ std::u16string WithoutQuotes(std::string_view value) {
     return text;
 }
 
-// The folder is the text up to the last "\" or "/"; without either, the whole path is made a
-// folder (which then keeps the file from being created, as it always has).
-void CreateFolderOf(std::u16string_view localPath) {
-    const auto separator = localPath.find_last_of(u"\\/");
-    const auto folder =
-        separator == std::u16string_view::npos ? localPath : localPath.substr(0, separator);
-    std::error_code ignored;
-    std::filesystem::create_directories(ToFsPath(folder), ignored);
-}
-
 int32_t Clamped(int64_t value) {
     return static_cast<int32_t>(std::min<int64_t>(value, std::numeric_limits<int32_t>::max()));
 }
@@ -74,9 +65,7 @@ public:
     const std::u16string& entityTag() const { return entityTag_; }
 
 private:
-    static bool IsSet(const std::atomic<int32_t>* flag) {
-        return flag != nullptr && flag->load() != 0;
-    }
+    static bool IsSet(const std::atomic<bool>* flag) { return flag != nullptr && flag->load(); }
     bool StopFlagSet() const {
         return IsSet(settings_.stopRequested) || IsSet(settings_.abortRequested);
     }
@@ -107,7 +96,7 @@ bool BodyWriter::OnHead(const ResponseHead& head) {
         length_ = LeadingDecimal(*length);
     }
     Report(kProgressStarted);
-    CreateFolderOf(localPath_);
+    CreateParentDirectory(localPath_);
     entityTag_ = WithoutQuotes(head.Header("ETag").value_or(""));
     file_.reset(std::fopen(ToFsPath(localPath_).c_str(), "wb"));
     // Without a file there is nothing to save, and the download still counts as done.
@@ -149,7 +138,7 @@ struct HttpFetcher::Job {
 HttpFetcher::HttpFetcher() = default;
 HttpFetcher::~HttpFetcher() = default;
 
-bool HttpFetcher::IsSupportedUrl(std::u16string_view url) {
+bool HttpFetcher::CrackSupportedUrl(std::u16string_view url) {
     CrackUrl(url, url_);
     return url_.scheme == kSchemeHttp || url_.scheme == kSchemeHttps || url_.scheme == kSchemeFtp ||
            url_.scheme == kSchemeFile;
@@ -175,7 +164,7 @@ bool HttpFetcher::Download(const FetchSettings& settings, std::u16string_view ur
     // Cracked as by a fresh fetcher: an address without a scheme must not inherit the scheme of
     // whatever this fetcher fetched before.
     url_ = UrlParts{};
-    if (!IsSupportedUrl(url)) {
+    if (!CrackSupportedUrl(url)) {
         errorCode_ = kErrorUnsupportedScheme;
         return false;
     }
@@ -247,7 +236,7 @@ bool HttpFetcher::FollowRedirect(const Job& job, std::u16string_view location, i
         errorCode_ = statusCode_;
         return false;
     }
-    if (!IsSupportedUrl(location)) {
+    if (!CrackSupportedUrl(location)) {
         return false;
     }
     // A redirect target is requested over HTTP whatever its scheme: the ftp and file shortcuts

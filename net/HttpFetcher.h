@@ -42,8 +42,8 @@ struct FetchSettings {
     // about a second, also while it connects or waits for its answer. Before the answer came the
     // download is neither done nor failed (StoppedBeforeAnswer); a body being saved ends after
     // the current block, what was saved stays and the download counts as done.
-    const std::atomic<int32_t>* stopRequested = nullptr;
-    const std::atomic<int32_t>* abortRequested = nullptr;
+    const std::atomic<bool>* stopRequested = nullptr;
+    const std::atomic<bool>* abortRequested = nullptr;
 };
 
 // Copies one web resource into a local file with a GET request. Redirects are followed here, at
@@ -59,7 +59,7 @@ public:
 
     // Cracks `url` into the fetcher's own URL fields; true for the http, https, ftp and file
     // schemes.
-    bool IsSupportedUrl(std::u16string_view url);
+    bool CrackSupportedUrl(std::u16string_view url);
 
     // True when a session could be had; an open session is kept as it is.
     bool OpenSession(const FetchSettings& settings);

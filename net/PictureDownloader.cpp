@@ -3,9 +3,10 @@
 #include "net/HttpFetcher.h"
 #include "net/PictureFiles.h"
 #include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/FsPath.h"
 
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <system_error>
 
@@ -17,21 +18,16 @@ constexpr int32_t kStatusOk = 200;
 // Beside the picture's own file, so that the finished file is renamed within one folder.
 constexpr std::u16string_view kPartialSuffix = u".part";
 
-std::string ReadWhole(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 // Watches a download's progress: too large as soon as the announced length or the bytes so far
 // pass the limit, and incomplete when the body ended short of its announced length.
 struct SizeWatch {
     int64_t limit;
-    std::atomic<int32_t> tooLarge{0};
+    std::atomic<bool> tooLarge{false};
     bool incomplete = false;
 
     void operator()(int32_t stage, int32_t total, int32_t soFar) {
         if (total > limit || soFar > limit) {
-            tooLarge = 1;
+            tooLarge = true;
         }
         if (stage == kProgressFinished) {
             incomplete = total != kUnknownLength && soFar != total;
@@ -50,7 +46,7 @@ PictureDownloader::~PictureDownloader() {
         closing_ = true;
         waiting_.clear();
     }
-    cancel_ = 1;
+    cancel_ = true;
     wake_.notify_all();
     for (std::thread& worker : workers_) {
         worker.join();
@@ -122,18 +118,15 @@ bool PictureDownloader::Fetch(HttpFetcher& fetcher, const Job& job) {
     // Closing the downloader ends a transfer in flight as the stop button ends a refresh's.
     settings.abortRequested = &cancel_;
     const std::u16string partial = job.path + std::u16string(kPartialSuffix);
-    const std::filesystem::path partialPath = ToFsPath(partial);
     bool saved = false;
     if (fetcher.OpenSession(settings) &&
         fetcher.Download(settings, job.url, partial, u"", u"", std::ref(watch)) &&
-        fetcher.StatusCode() == kStatusOk && watch.tooLarge == 0 && !watch.incomplete &&
-        cancel_ == 0) {
-        const std::string bytes = ReadWhole(partialPath);
+        fetcher.StatusCode() == kStatusOk && !watch.tooLarge && !watch.incomplete && !cancel_) {
+        const std::string bytes = ReadFileBytes(partial).value_or(std::string());
         saved = !bytes.empty() && static_cast<int64_t>(bytes.size()) <= limits_.maxBytes &&
                 WriteFileAtomically(ToFsPath(job.path), bytes);
     }
-    std::error_code ignored;
-    std::filesystem::remove(partialPath, ignored);
+    DeleteFile(partial);
     return saved;
 }
 

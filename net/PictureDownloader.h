@@ -65,7 +65,7 @@ private:
 
     const Done done_;
     const PictureLimits limits_;
-    std::atomic<int32_t> cancel_{0};
+    std::atomic<bool> cancel_{false};
     std::mutex mutex_;
     std::condition_variable wake_;
     std::deque<Job> waiting_;

@@ -2,10 +2,10 @@
 
 #include "model/ChannelListOrder.h"
 #include "model/ChannelStore.h"
-#include "model/ChannelStoreFile.h"
 #include "net/ChannelUpdate.h"
 #include "net/ConnectionManager.h"
 #include "net/RefreshAllRun.h"
+#include "store/ChannelStoreFile.h"
 
 #include <algorithm>
 #include <system_error>
@@ -58,8 +58,7 @@ RefreshEngine::RefreshEngine(ChannelStore& store, RefreshObserver& observer, Ref
 
 RefreshEngine::~RefreshEngine() {
     if (HasRunningWorkers()) {
-        store_.stopRequested() = 1;
-        store_.abortRequested() = 1;
+        store_.refresh().RequestAbort();
     }
     workers_.clear();
 }
@@ -68,8 +67,8 @@ FetchSettings RefreshEngine::MakeFetchSettings() const {
     FetchSettings settings;
     settings.tolerantCertificates = store_.settings().tolerantCertificates() != 0;
     settings.timeout = options_.timeout;
-    settings.stopRequested = &store_.stopRequested();
-    settings.abortRequested = &store_.abortRequested();
+    settings.stopRequested = &store_.refresh().stopFlag();
+    settings.abortRequested = &store_.refresh().abortFlag();
     return settings;
 }
 
@@ -77,8 +76,7 @@ void RefreshEngine::ClearStopFlagsWhenIdle() {
     // A stop meant for a refresh still running must reach it; otherwise a new refresh starts
     // afresh, also after the stop button, whose abort flag nothing else ever clears.
     if (!HasRunningWorkers()) {
-        store_.stopRequested() = 0;
-        store_.abortRequested() = 0;
+        store_.refresh().ClearStopAndAbort();
     }
 }
 
@@ -153,9 +151,8 @@ bool RefreshEngine::StartRefreshAll(bool refreshAll) {
     if (refreshAllRunning_) {
         return false;
     }
-    store_.busy() = 1;
-    store_.stopRequested() = 0;
-    store_.abortRequested() = 0;
+    store_.refresh().Start();
+    store_.refresh().ClearStopAndAbort();
     SaveAll(store_);
     std::vector<ChannelJob> jobs;
     for (Channel* channel : VisitOrder(store_)) {
@@ -178,7 +175,7 @@ bool RefreshEngine::StartRefreshAll(bool refreshAll) {
         ReleaseIfEstablished(established);
     });
     if (!started) {
-        store_.busy() = 0;
+        store_.refresh().Finish();
         return false;
     }
     refreshAllRunning_ = true;
@@ -187,8 +184,7 @@ bool RefreshEngine::StartRefreshAll(bool refreshAll) {
 
 void RefreshEngine::FinishRefreshAll(bool anyVisited) {
     refreshAllRunning_ = false;
-    store_.busy() = 0;
-    store_.stopRequested() = 0;
+    store_.refresh().Finish();
     if (anyVisited && IsStoreDue(store_)) {
         store_.SetUpdateDate(FeedDate::NowUtc());
     }
@@ -196,7 +192,7 @@ void RefreshEngine::FinishRefreshAll(bool anyVisited) {
 }
 
 void RefreshEngine::OnAutoUpdateTimer() {
-    if (store_.autoUpdate() != 0 && store_.busy() == 0 && store_.HasChannelDue()) {
+    if (store_.autoUpdate() != 0 && !store_.refresh().busy() && store_.HasChannelDue()) {
         StartRefreshAll(false);
     }
 }

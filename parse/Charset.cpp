@@ -75,19 +75,6 @@ std::size_t WithoutTerminator(std::size_t limit) {
 
 } // namespace
 
-int32_t DetectFeedType(std::u16string_view elementName) {
-    if (EqualsIgnoreCase(elementName, u"rdf:RDF")) {
-        return kFeedRdf;
-    }
-    if (EqualsIgnoreCase(elementName, u"rss")) {
-        return kFeedRss;
-    }
-    if (EqualsIgnoreCase(elementName, u"feed")) {
-        return kFeedAtom;
-    }
-    return kFeedUnknown;
-}
-
 bool LanguageToCodePage(const WString& language, int32_t& codePage, std::u16string& charsetName,
                         std::size_t nameLimit) {
     codePage = 0;

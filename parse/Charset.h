@@ -9,18 +9,7 @@
 
 namespace qf {
 
-// Kind of feed, by its top-level element.
-enum FeedType : int32_t {
-    kFeedUnknown = 0,
-    kFeedRdf = 1,
-    kFeedRss = 2,
-    kFeedAtom = 3,
-};
-
 inline constexpr std::size_t kCharsetNameLimit = 260;
-
-// "rdf:RDF" 1, "rss" 2, "feed" 3, compared ignoring case; anything else 0.
-int32_t DetectFeedType(std::u16string_view elementName);
 
 // Looks a feed's language up in the short table of languages that pick a code page. Both outputs
 // are reset first; answers whether the language matched.

@@ -2,7 +2,7 @@
 
 #include "model/CachedFileNames.h"
 #include "model/Channel.h"
-#include "parse/NewsItem.h"
+#include "model/NewsItem.h"
 
 namespace qf {
 

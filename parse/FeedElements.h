@@ -1,6 +1,6 @@
 #pragma once
 
-#include "parse/FeedDate.h"
+#include "model/FeedDate.h"
 #include "parse/XmlDocument.h"
 #include "platform/Text.h"
 

@@ -1,10 +1,10 @@
 #include "parse/FeedReader.h"
 
 #include "model/Channel.h"
+#include "model/NewsItem.h"
 #include "parse/AtomReader.h"
-#include "parse/Charset.h"
 #include "parse/FeedElements.h"
-#include "parse/NewsItem.h"
+#include "parse/FeedType.h"
 #include "parse/RssReader.h"
 
 #include <optional>

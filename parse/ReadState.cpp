@@ -1,8 +1,8 @@
 #include "parse/ReadState.h"
 
-#include "parse/Charset.h"
 #include "parse/FeedElements.h"
 #include "parse/FeedReader.h"
+#include "parse/FeedType.h"
 #include "platform/Text.h"
 
 #include <string>

@@ -4,6 +4,9 @@
 #include "parse/FeedSniff.h"
 #include "parse/XmlText.h"
 #include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/Folders.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -11,7 +14,6 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <libxml/SAX2.h>
 #include <libxml/dict.h>
 #include <libxml/entities.h>
@@ -404,19 +406,6 @@ std::optional<std::string> Serialise(xmlDoc* document) {
     return bytes;
 }
 
-// Files are parsed from memory, and the parser takes no more than INT_MAX bytes.
-bool ReadWholeFile(const std::filesystem::path& path, std::string& bytes) {
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    const std::streamoff size = file ? static_cast<std::streamoff>(file.tellg()) : -1;
-    if (size < 0 || size > INT_MAX) {
-        return false;
-    }
-    bytes.resize(static_cast<std::size_t>(size));
-    file.seekg(0);
-    file.read(bytes.data(), size);
-    return file.gcount() == size;
-}
-
 xmlNode* AsXml(void* node) {
     return static_cast<xmlNode*>(node);
 }
@@ -471,8 +460,9 @@ XmlDocument::XmlDocument() : ready_(SetUpLibrary()) {}
 XmlDocument::~XmlDocument() = default;
 
 bool XmlDocument::LoadFile(std::u16string_view path) {
-    std::string bytes;
-    return !path.empty() && ReadWholeFile(ToFsPath(path), bytes) && LoadBytes(bytes);
+    // Files are parsed from memory, and the parser takes no more than INT_MAX bytes.
+    const std::optional<std::string> bytes = ReadFileBytes(path);
+    return bytes && bytes->size() <= INT_MAX && LoadBytes(*bytes);
 }
 
 bool XmlDocument::LoadBytes(std::string_view bytes) {
@@ -517,13 +507,9 @@ bool XmlDocument::Save(std::u16string_view path) const {
     if (!ready_ || path.empty() || document_ == nullptr) {
         return false;
     }
-    const std::filesystem::path target = ToFsPath(path);
-    std::error_code ignored; // a folder that cannot be made fails the write below
-    if (target.has_parent_path()) {
-        std::filesystem::create_directories(target.parent_path(), ignored);
-    }
+    CreateParentDirectory(path); // a folder that cannot be made fails the write below
     const std::optional<std::string> bytes = Serialise(AsXmlDoc(document_.get()));
-    return bytes && WriteFileAtomically(target, *bytes);
+    return bytes && WriteFileAtomically(ToFsPath(path), *bytes);
 }
 
 bool XmlDocument::NewDocument() {
@@ -734,8 +720,8 @@ int32_t XmlDocument::SetCodePageFromName(const WString& charsetName) {
 }
 
 bool XmlDocument::SniffFeedFile(std::u16string_view path) {
-    std::string bytes;
-    return !path.empty() && ReadWholeFile(ToFsPath(path), bytes) && LooksLikeFeedFile(bytes);
+    const std::optional<std::string> bytes = ReadFileBytes(path);
+    return bytes && bytes->size() <= INT_MAX && LooksLikeFeedFile(*bytes);
 }
 
 } // namespace qf

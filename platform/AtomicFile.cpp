@@ -79,12 +79,4 @@ bool WriteFileAtomically(const std::filesystem::path& path, std::string_view byt
     return true;
 }
 
-std::filesystem::path ToFsPath(std::u16string_view path) {
-    return std::filesystem::path(Utf16ToUtf8(path));
-}
-
-std::u16string FromFsPath(const std::filesystem::path& path) {
-    return Utf8ToUtf16(path.string());
-}
-
 } // namespace qf

@@ -10,8 +10,4 @@ namespace qf {
 // folder must exist. Answers false (and leaves `path` untouched) on any failure.
 bool WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes);
 
-// Turns a program path (UTF-16 text, '/' separated) into a file-system path, and back.
-std::filesystem::path ToFsPath(std::u16string_view path);
-std::u16string FromFsPath(const std::filesystem::path& path);
-
 } // namespace qf

@@ -1,5 +1,7 @@
 #include "platform/DataLock.h"
 
+#include "platform/Folders.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
 #include "platform/UserFolders.h"
 
@@ -24,8 +26,7 @@ DataLock::DataLock() {
         errorText_ = u"Cannot lock the data: no home folder is known.";
         return;
     }
-    std::error_code ignored;
-    std::filesystem::create_directories(path->parent_path(), ignored);
+    CreateParentDirectory(FromFsPath(*path));
     // Opening the file anew gives this object its own open file description, so a second lock
     // in the same process conflicts just as one in another process does.
     fd_.Reset(::open(path->c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));

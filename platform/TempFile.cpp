@@ -1,7 +1,7 @@
 #include "platform/TempFile.h"
 
-#include "platform/AtomicFile.h"
 #include "platform/FileDescriptor.h"
+#include "platform/FsPath.h"
 
 #include <cstdio>
 #include <cstdlib>

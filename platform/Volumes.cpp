@@ -1,6 +1,6 @@
 #include "platform/Volumes.h"
 
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "platform/UserFolders.h"
 
 #include <algorithm>

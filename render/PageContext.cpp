@@ -1,7 +1,7 @@
 #include "render/PageContext.h"
 
 #include "model/ChannelImage.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 
 #include <filesystem>
 #include <system_error>

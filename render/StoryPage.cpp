@@ -1,7 +1,7 @@
 #include "render/StoryPage.h"
 
 #include "model/Channel.h"
-#include "parse/NewsItem.h"
+#include "model/NewsItem.h"
 #include "render/PageMarkup.h"
 
 namespace qf {

@@ -1,11 +1,11 @@
 #include "ui/App.h"
 
-#include "model/ChannelStoreFile.h"
-#include "model/FileUtil.h"
-#include "model/StoreBackups.h"
 #include "model/ViewerSettings.h"
 #include "net/DataFolderTidy.h"
 #include "net/RefreshEngine.h"
+#include "platform/Files.h"
+#include "store/ChannelStoreFile.h"
+#include "store/StoreBackups.h"
 #include "ui/AboutBox.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
@@ -250,7 +250,7 @@ void App::HideForBrowser() {
 
 void App::OnDestroy() {
     contextMenu_->close();
-    if (store_.loaded() == 0) {
+    if (!store_.loaded()) {
         return;
     }
     WaitCursor wait;
@@ -268,9 +268,9 @@ void App::OnDestroy() {
 }
 
 void App::OnAutoUpdateTimer() {
-    const bool wasBusy = store_.busy() != 0;
+    const bool wasBusy = store_.refresh().busy();
     engine_->OnAutoUpdateTimer();
-    if (!wasBusy && store_.busy() != 0) {
+    if (!wasBusy && store_.refresh().busy()) {
         RefreshAllStarted();
     }
 }

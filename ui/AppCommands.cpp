@@ -1,8 +1,8 @@
-#include "model/CachedFeeds.h"
-#include "model/ChannelStoreFile.h"
 #include "net/BrowserLink.h"
 #include "net/RefreshEngine.h"
 #include "platform/StringTable.h"
+#include "store/CachedFeeds.h"
+#include "store/ChannelStoreFile.h"
 #include "ui/AddChannelWizard.h"
 #include "ui/App.h"
 #include "ui/ChannelScreen.h"
@@ -55,7 +55,7 @@ void App::Help(int) {
 }
 
 void App::Back(int) {
-    if (store_.loaded() == 0 || screen_ == kChannelScreen) {
+    if (!store_.loaded() || screen_ == kChannelScreen) {
         SetScreen(kChannelsScreen);
     } else if (screen_ == kStoryScreen) {
         SetScreen(kChannelScreen);
@@ -86,7 +86,7 @@ void App::LeaveWelcome(int) {
         RefillChannels();
     }
     SetScreen(kChannelsScreen);
-    store_.SetLoaded(1);
+    store_.SetLoaded(true);
 }
 
 bool App::AddChannels() {
@@ -95,8 +95,8 @@ bool App::AddChannels() {
 }
 
 void App::RefreshAll(int) {
-    if (store_.busy() != 0) {
-        store_.stopRequested() = 1;
+    if (store_.refresh().busy()) {
+        store_.refresh().RequestStop();
         return;
     }
     if (engine_->StartRefreshAll(true)) {
@@ -140,7 +140,7 @@ void App::ShowSelectedChannel(int) {
 
 void App::DownloadChannel(int) {
     if (Channel* channel = channelsScreen_->SelectedChannel()) {
-        store_.stopRequested() = 0;
+        store_.refresh().ClearStop();
         engine_->StartChannelUpdate(*channel, 0, true);
     }
 }
@@ -163,16 +163,15 @@ void App::ToggleNewChannels(int) {
 }
 
 void App::RefreshChannel(int) {
-    if (store_.busy() != 0) {
-        store_.stopRequested() = 1;
+    if (store_.refresh().busy()) {
+        store_.refresh().RequestStop();
         return;
     }
     Channel* channel = channelScreen_->channel();
     if (channel == nullptr) {
         return;
     }
-    store_.busy() = 1;
-    store_.stopRequested() = 0;
+    store_.refresh().Start();
     refreshCursor_ = std::make_unique<WaitCursor>();
     refreshingChannel_ = channel;
     // Busy is cleared when the channel's update ends, failed or stopped as well as done.

@@ -57,7 +57,7 @@ void App::OnMenuPopup(QMenu* menu, bool fromMenuKey) {
 }
 
 void App::UpdateMenuState(QMenu* menu) {
-    const bool busy = store_.busy() != 0;
+    const bool busy = store_.refresh().busy();
     // The category entries share their numbers with other commands (40109 is also "Delete
     // Channel"); what those commands allow must not grey out a category.
     if (menu->title() ==
@@ -112,7 +112,7 @@ void App::UpdateMenuChecks(QMenu* menu, bool fromMenuKey) {
         Check(menu, kCmdFitToScreen, settings.fitToScreen() != 0);
         Check(menu, kCmdClearType, settings.clearType() != 0);
         CheckTextSize(menu);
-    } else if (screen_ == kChannelsScreen && store_.busy() == 0) {
+    } else if (screen_ == kChannelsScreen && !store_.refresh().busy()) {
         Check(menu, kCmdNewChannelsOnly, store_.newChannels() != 0);
         const QList<QAction*> actions = menu->actions();
         if (fromMenuKey && !actions.isEmpty() && actions.first()->menu() != nullptr) {

@@ -1,9 +1,9 @@
-#include "model/CachedFeeds.h"
 #include "model/CachedFileNames.h"
 #include "model/DataFolder.h"
-#include "model/FileUtil.h"
 #include "net/BrowserLink.h"
 #include "net/RefreshEngine.h"
+#include "platform/Files.h"
+#include "store/CachedFeeds.h"
 #include "ui/App.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
@@ -97,7 +97,7 @@ void App::ShowStory(Channel* channel, NewsItem* item) {
     if (wasUnread) {
         item->SetRead(1);
         channel->SetNewItemCount(channel->newItemCount() - 1);
-        channel->SetModified(1);
+        channel->SetModified(true);
     }
     storyScreen_->ShowStory(channel, item);
     shownRetiredStory_.reset();

@@ -43,8 +43,7 @@ void App::EndChannelRefresh() {
     refreshingChannel_ = nullptr;
     refreshCursor_.reset();
     if (!refreshAllRunning_) {
-        store_.busy() = 0;
-        store_.stopRequested() = 0;
+        store_.refresh().Finish();
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include "model/Channel.h"
 #include "model/ChannelStore.h"
-#include "parse/NewsItem.h"
+#include "model/NewsItem.h"
 #include "ui/QtText.h"
 #include "ui/RowTitle.h"
 

@@ -1,7 +1,7 @@
 #include "ui/PickChannelsPage.h"
 
-#include "parse/OpmlImport.h"
 #include "platform/StringTable.h"
+#include "store/OpmlImport.h"
 #include "ui/QtText.h"
 #include "ui/SvgImages.h"
 #include "ui/UiScale.h"

@@ -163,8 +163,7 @@ void ProgressBar::resizeEvent(QResizeEvent*) {
 }
 
 void ProgressBar::Stop() {
-    store_.stopRequested() = 1;
-    store_.abortRequested() = 1;
+    store_.refresh().RequestAbort();
 }
 
 } // namespace qf::ui

@@ -1,7 +1,7 @@
 #include "ui/StoryScreen.h"
 
 #include "model/ChannelStore.h"
-#include "parse/NewsItem.h"
+#include "model/NewsItem.h"
 #include "render/StoryPage.h"
 #include "ui/CommandIds.h"
 #include "ui/HtmlView.h"

@@ -1,10 +1,7 @@
 #include "ui/WindowGeometry.h"
 
-#include "model/FileUtil.h"
-#include "platform/AtomicFile.h"
-#include "platform/IniFile.h"
+#include "platform/SettingsFile.h"
 #include "platform/Text.h"
-#include "platform/UserFolders.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -24,21 +21,8 @@ constexpr int kFirstWidth = 360;
 constexpr int kFirstHeight = 640;
 constexpr int kSmallestSide = 120;
 
-std::optional<IniFile> ReadSettings() {
-    const auto path = SettingsFilePath();
-    if (!path) {
-        return std::nullopt;
-    }
-    const std::u16string file = FromFsPath(*path);
-    if (const auto bytes = ReadFileBytes(file)) {
-        return IniFile::Parse(*bytes);
-    }
-    // A file that is there but cannot be read must not be replaced by one with only the window.
-    return FileExists(file) ? std::nullopt : std::optional<IniFile>(IniFile());
-}
-
 std::optional<QRect> StoredGeometry() {
-    const auto file = ReadSettings();
+    const auto file = ReadSettingsFile();
     if (!file || !file->HasSection(kSection)) {
         return std::nullopt;
     }
@@ -75,20 +59,14 @@ void RestoreGeometry(QWidget& window) {
 }
 
 bool SaveGeometry(const QWidget& window) {
-    const auto path = SettingsFilePath();
-    auto file = ReadSettings();
-    if (!path || !file) {
-        return false;
-    }
     const QRect frame =
         window.normalGeometry().isValid() ? window.normalGeometry() : window.geometry();
     const std::array<int, 4> values = {frame.x(), frame.y(), frame.width(), frame.height()};
-    for (std::size_t i = 0; i < kKeys.size(); ++i) {
-        file->SetValue(kSection, kKeys[i], AsciiToUtf16(std::to_string(values[i])));
-    }
-    std::error_code ignored;
-    std::filesystem::create_directories(path->parent_path(), ignored);
-    return WriteFileAtomically(*path, file->Text());
+    return UpdateSettingsFile([&values](IniFile& file) {
+        for (std::size_t i = 0; i < kKeys.size(); ++i) {
+            file.SetValue(kSection, kKeys[i], AsciiToUtf16(std::to_string(values[i])));
+        }
+    });
 }
 
 } // namespace qf::ui

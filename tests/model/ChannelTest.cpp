@@ -30,7 +30,7 @@ TEST(Channel, CountSettersIgnoreValuesTheyGuardAgainst) {
     EXPECT_EQ(channel.newItemCount(), 0);
 
     // Only a recount may bring the item count down to 0.
-    EXPECT_EQ(channel.itemCount(true), 0);
+    EXPECT_EQ(channel.RecountItems(), 0);
 }
 
 // A channel's and a category's text stay when the source is null, a story's is cleared; an empty

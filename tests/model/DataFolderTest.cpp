@@ -1,7 +1,8 @@
 #include "model/DataFolder.h"
 
-#include "model/StoreBackups.h"
-#include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/FsPath.h"
+#include "store/StoreBackups.h"
 #include "support/TestEnv.h"
 
 #include <gtest/gtest.h>

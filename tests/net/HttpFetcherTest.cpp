@@ -2,7 +2,8 @@
 
 #include "net/ConnectionManager.h"
 #include "net/HttpSession.h"
-#include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
 #include "support/TestCertificates.h"
 #include "support/TestEnv.h"
@@ -212,12 +213,12 @@ TEST_F(HttpFetcherTest, CredentialsAreOfferedOnlyWhenBothAreGiven) {
 
 TEST_F(HttpFetcherTest, StopFlagEndsAnEndlessBodyAfterTheCurrentBlockAndKeepsThePart) {
     server->addRoute({.path = "/endless", .mode = Route::Body::Endless});
-    std::atomic<int32_t> stop{0};
+    std::atomic<bool> stop{false};
     settings.stopRequested = &stop;
     progress = [&](int32_t stage, int32_t total, int32_t bytes) {
         stages.push_back({stage, total, bytes});
         if (bytes >= 5000) {
-            stop = 1;
+            stop = true;
         }
     };
 
@@ -235,8 +236,8 @@ TEST_F(HttpFetcherTest, StopFlagEndsAnEndlessBodyAfterTheCurrentBlockAndKeepsThe
 TEST_F(HttpFetcherTest, StopBeforeTheAnswerEndsTheRequestAtOnce) {
     server->addRoute({.path = "/silent", .mode = Route::Body::Silent});
     Reopen(std::chrono::minutes(10));
-    std::atomic<int32_t> abort{1};
-    std::atomic<int32_t> stop{0};
+    std::atomic<bool> abort{true};
+    std::atomic<bool> stop{false};
     settings.abortRequested = &abort;
     settings.stopRequested = &stop;
 
@@ -244,10 +245,10 @@ TEST_F(HttpFetcherTest, StopBeforeTheAnswerEndsTheRequestAtOnce) {
     EXPECT_TRUE(fetcher.StoppedBeforeAnswer());
     EXPECT_EQ(server->hits("/silent"), 0);
 
-    abort = 0;
+    abort = false;
     const std::jthread stopper([&] {
         if (server->awaitHits("/silent", 1)) {
-            stop = 1;
+            stop = true;
         }
     });
     const auto start = std::chrono::steady_clock::now();
@@ -257,7 +258,7 @@ TEST_F(HttpFetcherTest, StopBeforeTheAnswerEndsTheRequestAtOnce) {
     EXPECT_EQ(fetcher.ErrorCode(), kErrorOperationCancelled);
     EXPECT_FALSE(std::filesystem::exists(file));
 
-    stop = 0;
+    stop = false;
     Serve("/feed.xml");
     EXPECT_TRUE(Download(server->url("/feed.xml")));
     EXPECT_FALSE(fetcher.StoppedBeforeAnswer());

@@ -1,7 +1,8 @@
 #include "net/PictureDownloader.h"
 
 #include "net/PictureFiles.h"
-#include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
 #include "support/TestEnv.h"
 #include "support/TestServer.h"

@@ -1,9 +1,9 @@
 #include "net/RefreshEngine.h"
 
-#include "model/CachedFeeds.h"
 #include "model/ChannelStore.h"
 #include "net/OwnerQueue.h"
 #include "platform/Text.h"
+#include "store/CachedFeeds.h"
 #include "support/TestEnv.h"
 #include "support/TestServer.h"
 
@@ -138,7 +138,7 @@ TEST_F(RefreshEngineTest, RefreshAllVisitsTheShownRowsFirstAndRecordsEveryOutcom
     EXPECT_FALSE(std::filesystem::exists(CachedFeed(junk)));
     EXPECT_EQ(noAddress.state(), kChannelIdle);
     EXPECT_TRUE(noAddress.errorText().isNull());
-    EXPECT_EQ(store.busy(), 0);
+    EXPECT_FALSE(store.refresh().busy());
     EXPECT_EQ(store.updateDate(), FeedDate::NowUtc());
     for (const auto& entry : std::filesystem::directory_iterator(home / "QFChannelsData")) {
         EXPECT_EQ(entry.path().string().find(".part-"), std::string::npos) << entry.path();
@@ -204,7 +204,7 @@ TEST_F(RefreshEngineTest, StopEndsTheRunInTheCurrentChannelAndKeepsItsCachedFeed
     // The stop button, pressed while the first channel's body is coming in.
     observer.onProgress = [this, id = endless.id()](const RefreshProgress& progress) {
         if (progress.channelId == id && progress.bytesSoFar > 0) {
-            store.stopRequested() = 1;
+            store.refresh().RequestStop();
         }
     };
 
@@ -216,8 +216,8 @@ TEST_F(RefreshEngineTest, StopEndsTheRunInTheCurrentChannelAndKeepsItsCachedFeed
     EXPECT_EQ(next.state(), kChannelIdle);
     EXPECT_TRUE(next.items().empty());
     EXPECT_FALSE(std::filesystem::exists(CachedFeed(next)));
-    EXPECT_EQ(store.busy(), 0);
-    EXPECT_EQ(store.stopRequested(), 0);
+    EXPECT_FALSE(store.refresh().busy());
+    EXPECT_FALSE(store.refresh().stopRequested());
 }
 
 // The stop button and the closing of the program, while the server has the request and never
@@ -239,8 +239,7 @@ TEST_F(RefreshEngineTest, StopBeforeTheAnswerLeavesTheChannelAsItWas) {
     patient->StartChannelUpdate(channel, 0, true, [&completions](Channel&) { ++completions; });
     ASSERT_TRUE(server.awaitHits("/silent", 1));
     const auto stopped = std::chrono::steady_clock::now();
-    store.stopRequested() = 1;
-    store.abortRequested() = 1;
+    store.refresh().RequestAbort();
     observer.RunUntil([&] { return !observer.ended.empty(); });
 
     EXPECT_LT(std::chrono::steady_clock::now() - stopped, 30s);
@@ -320,7 +319,7 @@ TEST_F(RefreshEngineTest, DueChannelsFollowTheirIntervalStrictly) {
     }
 
     engine.OnAutoUpdateTimer();
-    EXPECT_EQ(store.busy(), 0);
+    EXPECT_FALSE(store.refresh().busy());
     store.SetAutoUpdate(1);
     observer.finished = false;
     engine.OnAutoUpdateTimer();

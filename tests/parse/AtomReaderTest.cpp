@@ -1,6 +1,6 @@
 #include "parse/AtomReader.h"
 
-#include "parse/Charset.h"
+#include "parse/FeedType.h"
 #include "support/ParsedFeed.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #include "parse/Charset.h"
 
+#include "parse/FeedType.h"
 #include "platform/CodePage.h"
 #include "support/TestEnv.h"
 

@@ -3,11 +3,11 @@
 #include "model/Channel.h"
 #include "model/ChannelStore.h"
 #include "parse/FeedReader.h"
-#include "parse/OpmlImport.h"
 #include "parse/ReadState.h"
 #include "parse/XmlDocument.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
+#include "store/OpmlImport.h"
 #include "support/TestEnv.h"
 
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "parse/ReadState.h"
 
-#include "parse/Charset.h"
-#include "platform/AtomicFile.h"
+#include "parse/FeedType.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
 #include "support/ParsedFeed.h"
 #include "support/TestEnv.h"

@@ -1,6 +1,7 @@
 #include "parse/XmlDocument.h"
 
-#include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
 #include "support/TestEnv.h"
 

@@ -1,7 +1,8 @@
 #include "parse/XmlWriter.h"
 
 #include "parse/XmlDocument.h"
-#include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/FsPath.h"
 #include "support/TestEnv.h"
 
 #include <gtest/gtest.h>

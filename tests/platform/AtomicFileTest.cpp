@@ -1,5 +1,6 @@
 #include "platform/AtomicFile.h"
 
+#include "platform/Files.h"
 #include "support/TestEnv.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "render/ChannelPage.h"
 
 #include "model/Channel.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
 #include "support/TestEnv.h"
 

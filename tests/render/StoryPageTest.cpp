@@ -1,7 +1,7 @@
 #include "render/StoryPage.h"
 
 #include "model/Channel.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "support/TestEnv.h"
 
 #include <gtest/gtest.h>

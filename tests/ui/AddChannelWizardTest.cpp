@@ -207,7 +207,7 @@ TEST_F(AddChannelWizardTest, UrlPathFromTheWelcomeScreenAddsOneChannelWithThePro
     };
     app.OnCommand(kCtlNone, kCmdContinue);
     EXPECT_EQ(app.screen(), kChannelsScreen);
-    EXPECT_EQ(app.store().loaded(), 1);
+    EXPECT_TRUE(app.store().loaded());
     ASSERT_EQ(app.channelsScreen()->model()->rowCount(), 1);
     const Channel* added = app.channelsScreen()->model()->ChannelAt(0);
     EXPECT_EQ(added->xmlUrl().view(), u"http://127.0.0.1:9/typed");

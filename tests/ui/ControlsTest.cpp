@@ -76,8 +76,8 @@ TEST(ProgressBar, StopButtonAsksTheRefreshToStopAndAbort) {
     ChannelStore store;
     ProgressBar progress(store, nullptr);
     progress.stopButton()->click();
-    EXPECT_EQ(store.stopRequested(), 1);
-    EXPECT_EQ(store.abortRequested(), 1);
+    EXPECT_TRUE(store.refresh().stopRequested());
+    EXPECT_TRUE(store.refresh().abortRequested());
 }
 
 TEST(HtmlView, LeftAndRightStepOnlyWhileThePageNeedsNoSidewaysScrolling) {

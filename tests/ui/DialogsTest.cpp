@@ -1,6 +1,6 @@
 #include "UiFixture.h"
 #include "model/DataFolder.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "ui/ChannelListModel.h"
 #include "ui/ChannelPropertiesDialog.h"
 #include "ui/ChannelsScreen.h"

@@ -42,7 +42,7 @@ TEST_F(FrameTest, FirstRunShowsWelcomeAndContinueOpensTheChannelsScreen) {
     app.mainWindow()->show();
     QTest::keyClick(app.mainWindow(), Qt::Key_F1);
     EXPECT_EQ(app.screen(), kChannelsScreen);
-    EXPECT_EQ(app.store().loaded(), 1);
+    EXPECT_TRUE(app.store().loaded());
     EXPECT_EQ(app.mainWindow()->softKeys()->leftKey()->text(), QStringLiteral("New"));
     QuitApp();
     EXPECT_NE(StoreFileText().find("<opml"), std::string::npos);
@@ -136,7 +136,7 @@ TEST_F(FrameTest, BackCommandGoesToTheChannelsScreenUntilTheStoreIsLoaded) {
     app.OnCommand(kCtlNone, kCmdBack);
     EXPECT_EQ(app.screen(), kChannelsScreen);
 
-    app.store().SetLoaded(1);
+    app.store().SetLoaded(true);
     app.SetScreen(kStoryScreen);
     app.OnCommand(kCtlNone, kCmdBack);
     EXPECT_EQ(app.screen(), kChannelScreen);

@@ -41,14 +41,14 @@ TEST_F(MenuStateTest, ChannelEntriesNeedASelectedRowAndRefreshTextFollowsBusy) {
     EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Refresh All Channels"));
 
     app().channelsScreen()->SelectRow(app().channelsScreen()->model()->ChannelAt(0));
-    app().store().busy() = 1;
+    app().store().refresh().Start();
     OpenMenu();
     EXPECT_TRUE(MenuEntry(kCmdDeleteChannel)->isEnabled());
     EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Stop Refresh"));
     // The category list is left alone while a refresh runs.
     QMenu* categories = OpenMenu(QStringLiteral("View"))->actions().first()->menu();
     EXPECT_EQ(categories->actions().size(), 1);
-    app().store().busy() = 0;
+    app().store().refresh().Finish();
 }
 
 TEST_F(MenuStateTest, CategorySubmenuListsTheCategoriesAndChecksTheShownOne) {

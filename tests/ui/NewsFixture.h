@@ -2,7 +2,7 @@
 
 #include "UiFixture.h"
 #include "model/CachedFileNames.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "ui/ChannelListModel.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"

@@ -73,8 +73,8 @@ TEST_F(RefreshTest, RefreshAllFromTheMenuUpdatesRowsUntilTheStopButtonEndsIt) {
     EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Stop Refresh"));
 
     app().channelsScreen()->progress()->stopButton()->click();
-    EXPECT_EQ(app().store().abortRequested(), 1);
-    ASSERT_TRUE(WaitFor([this] { return app().store().busy() == 0; }));
+    EXPECT_TRUE(app().store().refresh().abortRequested());
+    ASSERT_TRUE(WaitFor([this] { return !app().store().refresh().busy(); }));
     ASSERT_TRUE(WaitFor([this] { return Icon(2) != kChannelUpdating; }));
     EXPECT_TRUE(WaitFor([this] { return !app().channelsScreen()->progressShown(); }));
     OpenMenu();
@@ -88,7 +88,7 @@ TEST_F(RefreshTest, DownloadChannelUpdatesOnlyTheSelectedRow) {
     ASSERT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3 && Icon(0) == kChannelIdle; }));
     EXPECT_TRUE(WaitFor([this] { return !app().channelsScreen()->progressShown(); }));
     EXPECT_EQ(server_.hits("/missing"), 0);
-    EXPECT_EQ(app().store().busy(), 0);
+    EXPECT_FALSE(app().store().refresh().busy());
 }
 
 TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItFirst) {
@@ -109,17 +109,17 @@ TEST_F(RefreshTest, FailedRefreshChannelEndsLikeADoneOne) {
     app().OnCommand(kCtlNone, kCmdRefreshChannel);
     ASSERT_TRUE(WaitFor([this] { return Icon(1) == kChannelFailed; }));
     EXPECT_FALSE(app().channelScreen()->progress()->isVisibleTo(app().channelScreen()));
-    EXPECT_EQ(app().store().busy(), 0);
-    EXPECT_EQ(app().store().stopRequested(), 0);
+    EXPECT_FALSE(app().store().refresh().busy());
+    EXPECT_FALSE(app().store().refresh().stopRequested());
     OpenMenu();
     EXPECT_EQ(MenuEntry(kCmdRefreshChannel)->text(), QStringLiteral("Refresh Channel"));
     // Nothing is left in the way of the automatic update.
     app().store().SetAutoUpdate(1);
     app().OnAutoUpdateTimer();
-    EXPECT_EQ(app().store().busy(), 1);
+    EXPECT_TRUE(app().store().refresh().busy());
     EXPECT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3; }));
     app().channelsScreen()->progress()->stopButton()->click();
-    EXPECT_TRUE(WaitFor([this] { return app().store().busy() == 0; }));
+    EXPECT_TRUE(WaitFor([this] { return !app().store().refresh().busy(); }));
 }
 
 TEST_F(RefreshTest, MarkAllFollowsTheCachedStoriesAndSurvivesTheSave) {
@@ -171,7 +171,7 @@ TEST_F(RefreshUnderReaderTest, OpenScreensMoveToTheNewStoriesWhenARefreshLands) 
     app().store().SetAutoUpdate(1);
     app().OnAutoUpdateTimer();
     ASSERT_TRUE(
-        WaitFor([this] { return News().items().size() == 5 && app().store().busy() == 0; }));
+        WaitFor([this] { return News().items().size() == 5 && !app().store().refresh().busy(); }));
     EXPECT_EQ(Titles(), QStringList({"Echo", "Alpha", "Bravo", "Charlie", "Delta"}));
     EXPECT_TRUE(Live(app().storyScreen()->item()));
     EXPECT_EQ(ShownTitle(), QStringLiteral("Charlie"));

@@ -4,7 +4,7 @@
 #include "model/Category.h"
 #include "model/Channel.h"
 #include "net/PictureFiles.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "support/TestServer.h"
 #include "ui/HtmlView.h"
 #include "ui/MainWindow.h"

@@ -1,8 +1,8 @@
 #include "UiFixture.h"
 
-#include "model/ChannelStoreFile.h"
-#include "model/FileUtil.h"
-#include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/FsPath.h"
+#include "store/ChannelStoreFile.h"
 #include "ui/AddChannelWizard.h"
 #include "ui/MainWindow.h"
 #include "ui/SoftKeyBar.h"

@@ -1,6 +1,7 @@
-#include "model/FileUtil.h"
 
-#include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/Folders.h"
+#include "platform/FsPath.h"
 #include "support/TestEnv.h"
 
 #include <sys/stat.h>

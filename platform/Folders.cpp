@@ -1,55 +1,22 @@
-#include "model/FileUtil.h"
+#include "platform/Folders.h"
 
-#include "parse/Charset.h"
-#include "platform/AtomicFile.h"
-#include "platform/FileDescriptor.h"
+#include "platform/Files.h"
+#include "platform/FsPath.h"
 
 #include <cerrno>
 #include <dirent.h>
-#include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace qf {
 
 namespace {
 
 constexpr char16_t kSeparator = u'/';
-constexpr int32_t kDefaultCodePage = 0;
-constexpr std::size_t kReadBlock = 16384;
 
 struct DirCloser {
     void operator()(DIR* dir) const { ::closedir(dir); }
 };
-
-// Opens a regular file for reading. A FIFO or device is refused without waiting for a writer.
-FileDescriptor OpenRegularFile(std::u16string_view path) {
-    FileDescriptor fd(::open(ToFsPath(path).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat info {};
-    if (!fd.valid() || ::fstat(fd.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
-        return FileDescriptor();
-    }
-    return fd;
-}
-
-std::optional<std::string> ReadAll(int fd) {
-    std::string bytes;
-    char block[kReadBlock];
-    for (;;) {
-        const ssize_t count = ::read(fd, block, sizeof block);
-        if (count == 0) {
-            return bytes;
-        }
-        if (count < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return std::nullopt;
-        }
-        bytes.append(block, static_cast<std::size_t>(count));
-    }
-}
 
 bool MoveSymbolicLink(std::u16string_view source, std::u16string_view destination) {
     std::error_code error;
@@ -67,20 +34,6 @@ bool MoveSymbolicLink(std::u16string_view source, std::u16string_view destinatio
 }
 
 } // namespace
-
-std::u16string JoinPath(std::u16string_view folder, std::u16string_view name) {
-    std::u16string path(folder);
-    if (!path.ends_with(kSeparator)) {
-        path += kSeparator;
-    }
-    path += name;
-    return path;
-}
-
-bool FileExists(std::u16string_view path) {
-    struct stat info {};
-    return !path.empty() && ::stat(ToFsPath(path).c_str(), &info) == 0;
-}
 
 bool CreateDirectoryPath(std::u16string_view path) {
     if (path.empty()) {
@@ -101,8 +54,8 @@ bool CreateDirectoryPath(std::u16string_view path) {
 
 bool CreateParentDirectory(std::u16string_view filePath) {
     const auto cut = filePath.rfind(kSeparator);
-    return CreateDirectoryPath(cut == std::u16string_view::npos ? filePath
-                                                                : filePath.substr(0, cut));
+    return cut == std::u16string_view::npos || cut == 0 ||
+           CreateDirectoryPath(filePath.substr(0, cut));
 }
 
 bool RemoveEmptyDirectory(std::u16string_view path) {
@@ -139,31 +92,6 @@ std::vector<DirectoryEntry> ListDirectory(std::u16string_view path) {
                            S_ISLNK(info.st_mode)});
     }
     return entries;
-}
-
-std::optional<std::string> ReadFileBytes(std::u16string_view path) {
-    const FileDescriptor fd = OpenRegularFile(path);
-    if (!fd.valid()) {
-        return std::nullopt;
-    }
-    return ReadAll(fd.get());
-}
-
-std::optional<std::u16string> ReadFileAsText(std::u16string_view path) {
-    const auto bytes = ReadFileBytes(path);
-    if (!bytes || bytes->empty()) {
-        return std::nullopt;
-    }
-    return BytesToWide(*bytes, kDefaultCodePage);
-}
-
-bool DeleteFile(std::u16string_view path) {
-    return !path.empty() && ::unlink(ToFsPath(path).c_str()) == 0;
-}
-
-bool CopyFile(std::u16string_view source, std::u16string_view destination) {
-    const auto bytes = ReadFileBytes(source);
-    return bytes && WriteFileAtomically(ToFsPath(destination), *bytes);
 }
 
 void MoveDirectoryContents(std::u16string_view source, std::u16string_view destination) {

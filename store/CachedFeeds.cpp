@@ -1,12 +1,12 @@
-#include "model/CachedFeeds.h"
+#include "store/CachedFeeds.h"
 
 #include "model/CachedFileNames.h"
 #include "model/ChannelStore.h"
 #include "model/DataFolder.h"
-#include "model/FileUtil.h"
 #include "parse/FeedReader.h"
 #include "parse/ReadState.h"
 #include "parse/XmlDocument.h"
+#include "platform/Files.h"
 
 #include <optional>
 #include <string>
@@ -53,7 +53,7 @@ bool SaveReadStates(Channel& channel, std::u16string_view volume) {
     if (!WriteReadStates(document, channel) || !document.Save(*path)) {
         return false;
     }
-    channel.SetModified(0);
+    channel.SetModified(false);
     return true;
 }
 
@@ -80,7 +80,7 @@ bool MarkAllItems(Channel& channel, bool read, std::u16string_view volume) {
         item->SetRead(read ? 1 : 0);
     }
     channel.CountItems();
-    channel.SetModified(1);
+    channel.SetModified(true);
     return true;
 }
 
@@ -89,7 +89,7 @@ bool SaveModifiedChannels(ChannelStore& store) {
     bool saved = true;
     for (const auto& category : store.categories()) {
         for (const auto& channel : category->channels()) {
-            if (channel->modified() != 0 && !SaveReadStates(*channel, volume)) {
+            if (channel->modified() && !SaveReadStates(*channel, volume)) {
                 saved = false;
             }
         }

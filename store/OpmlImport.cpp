@@ -1,9 +1,9 @@
-#include "parse/OpmlImport.h"
+#include "store/OpmlImport.h"
 
-#include "model/ChannelStoreFile.h"
-#include "model/FileUtil.h"
 #include "parse/Charset.h"
 #include "parse/XmlDocument.h"
+#include "platform/Files.h"
+#include "store/ChannelStoreFile.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,8 +1,9 @@
-#include "model/StoreBackups.h"
+#include "store/StoreBackups.h"
 
 #include "model/ChannelStore.h"
-#include "model/ChannelStoreFile.h"
-#include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/FsPath.h"
+#include "store/ChannelStoreFile.h"
 #include "support/TestEnv.h"
 
 #include <gtest/gtest.h>

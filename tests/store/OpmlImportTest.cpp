@@ -1,7 +1,7 @@
-#include "parse/OpmlImport.h"
+#include "store/OpmlImport.h"
 
 #include "model/ChannelStore.h"
-#include "platform/AtomicFile.h"
+#include "platform/FsPath.h"
 #include "support/TestEnv.h"
 
 #include <algorithm>

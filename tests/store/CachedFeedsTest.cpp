@@ -1,4 +1,4 @@
-#include "model/CachedFeeds.h"
+#include "store/CachedFeeds.h"
 
 #include "model/ChannelStore.h"
 #include "support/TestEnv.h"
@@ -48,28 +48,28 @@ TEST_F(CachedFeedsTest, MarkAllLoadsStoriesThatAreNotInMemoryOnce) {
     EXPECT_EQ(channel.title(), u"Mine");
     EXPECT_EQ(channel.itemCount(), 3);
     EXPECT_EQ(channel.newItemCount(), 0);
-    EXPECT_EQ(channel.modified(), 1);
+    EXPECT_TRUE(channel.modified());
     EXPECT_TRUE(MarkAllItems(channel, false, kVolume));
     EXPECT_EQ(channel.newItemCount(), 3);
 
     Channel& notCached = AddChannel(2, false);
     EXPECT_FALSE(MarkAllItems(notCached, true, kVolume));
-    EXPECT_EQ(notCached.modified(), 0);
+    EXPECT_FALSE(notCached.modified());
 }
 
 TEST_F(CachedFeedsTest, SavingWritesReadStatesOfModifiedChannelsOnly) {
     Channel& modified = AddChannel(1, true);
     Channel& untouched = AddChannel(2, true);
-    AddChannel(3, false).SetModified(1);
+    AddChannel(3, false).SetModified(true);
     ASSERT_TRUE(LoadCachedFeed(modified, kVolume));
     ASSERT_TRUE(LoadCachedFeed(untouched, kVolume));
     modified.items()[0]->SetRead(1);
     modified.items()[1]->SetRead(0);
-    modified.SetModified(1);
+    modified.SetModified(true);
     untouched.items()[0]->SetRead(1);
 
     EXPECT_TRUE(SaveModifiedChannels(store));
-    EXPECT_EQ(modified.modified(), 0);
+    EXPECT_FALSE(modified.modified());
     EXPECT_EQ(test::ReadFileBytes(FeedFile(2)), kCachedFeed);
     EXPECT_FALSE(fs::exists(FeedFile(3)));
     const std::string saved = test::ReadFileBytes(FeedFile(1));

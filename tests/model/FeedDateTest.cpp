@@ -1,4 +1,4 @@
-#include "parse/FeedDate.h"
+#include "model/FeedDate.h"
 
 #include "support/TestEnv.h"
 

@@ -1,13 +1,15 @@
-#include "model/StoreBackups.h"
+#include "store/StoreBackups.h"
 
 #include "model/CachedFileNames.h"
 #include "model/ChannelStore.h"
-#include "model/ChannelStoreFile.h"
-#include "model/FileUtil.h"
-#include "parse/FeedDate.h"
+#include "model/FeedDate.h"
 #include "parse/XmlDocument.h"
 #include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/Folders.h"
+#include "platform/FsPath.h"
 #include "platform/Text.h"
+#include "store/ChannelStoreFile.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,14 +1,13 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace qf {
 
-// The small file utilities of the model. Paths are program paths: UTF-16 texts separated by "/".
-// Failures are answered as false or as no text; nothing here is shown to the user.
+// Folder operations on program paths (see FsPath.h). Failures are answered as false or as an
+// empty list; nothing here is shown to the user.
 
 // One entry of a folder ("." and ".." left out). Only a real folder is a directory: a symbolic
 // link is a file whatever it points to, so nothing that walks a folder ever leaves it.
@@ -18,15 +17,11 @@ struct DirectoryEntry {
     bool isSymbolicLink = false;
 };
 
-// `folder` + "/" + `name`, without doubling a separator that ends the folder.
-std::u16string JoinPath(std::u16string_view folder, std::u16string_view name);
-
-// An empty path does not exist.
-bool FileExists(std::u16string_view path);
 // Creates the folder and, when they are missing, its parents. A folder that already exists, and
 // any failure other than a missing parent, counts as success.
 bool CreateDirectoryPath(std::u16string_view path);
-// Creates the folder that holds `filePath`; a path without "/" is created as a folder itself.
+// Creates the folder that holds `filePath`, and its parents (as CreateDirectoryPath). A path
+// without a folder part has nothing to create.
 bool CreateParentDirectory(std::u16string_view filePath);
 // Removes the folder only when it is empty.
 bool RemoveEmptyDirectory(std::u16string_view path);
@@ -35,14 +30,6 @@ bool RemoveEmptyDirectory(std::u16string_view path);
 bool RemoveDirectoryTree(std::u16string_view path);
 // The entries of a folder, in no particular order; empty when it cannot be listed.
 std::vector<DirectoryEntry> ListDirectory(std::u16string_view path);
-// The whole file as bytes; nullopt when it is not a regular file that can be read.
-std::optional<std::string> ReadFileBytes(std::u16string_view path);
-// The whole file converted from the default code page. A file that cannot be read, and an empty
-// one, give no text.
-std::optional<std::u16string> ReadFileAsText(std::u16string_view path);
-bool DeleteFile(std::u16string_view path);
-// Copies a regular file over `destination`, which is replaced whole or not at all.
-bool CopyFile(std::u16string_view source, std::u16string_view destination);
 // Moves everything in `source` into `destination`, creating it and its sub-folders as needed:
 // files are copied (replacing files of the same name) and the original deleted once the copy
 // is safe; symbolic links are moved as links. Failures leave that entry where it was and go on.

@@ -1,7 +1,8 @@
-#include "model/ChannelStoreFile.h"
+#include "store/ChannelStoreFile.h"
 
 #include "model/ChannelStore.h"
-#include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/FsPath.h"
 #include "support/TestEnv.h"
 
 #include <csignal>
@@ -183,7 +184,7 @@ TEST_F(ChannelStoreFileTest, ChannelsSharingAnIdKeepTheFirstAndTheOthersTakeFres
 TEST_F(ChannelStoreFileTest, MissingOrForeignFilesFailToLoad) {
     ChannelStore store;
     EXPECT_FALSE(LoadStore(store, StorePath()));
-    EXPECT_EQ(store.loaded(), 1);
+    EXPECT_TRUE(store.loaded());
     EXPECT_TRUE(store.unreadableStorePath().empty());
 
     WriteStore("<?xml version=\"1.0\"?><rss><channel/></rss>");
@@ -219,10 +220,10 @@ TEST_F(ChannelStoreFileTest, CloseSavesToTheKeptPathAndEmptiesTheStore) {
     ChannelStore store;
     store.SetChannelStorePath(StorePath());
     FillStore(store);
-    store.SetLoaded(1);
+    store.SetLoaded(true);
     ASSERT_TRUE(CloseStore(store));
     EXPECT_TRUE(store.categories().empty());
-    EXPECT_EQ(store.loaded(), 0);
+    EXPECT_FALSE(store.loaded());
     EXPECT_TRUE(store.channelStorePath().empty());
 
     ChannelStore reloaded;

@@ -1,16 +1,18 @@
-#include "model/ChannelStoreFile.h"
+#include "store/ChannelStoreFile.h"
 
-#include "model/CachedFeeds.h"
 #include "model/ChannelStore.h"
 #include "model/DataFolder.h"
-#include "model/FileUtil.h"
-#include "model/StoreBackups.h"
 #include "parse/Charset.h"
 #include "parse/XmlDocument.h"
 #include "parse/XmlWriter.h"
 #include "platform/AtomicFile.h"
+#include "platform/Files.h"
+#include "platform/Folders.h"
+#include "platform/FsPath.h"
 #include "platform/StringTable.h"
 #include "platform/Text.h"
+#include "store/CachedFeeds.h"
+#include "store/StoreBackups.h"
 
 #include <filesystem>
 #include <optional>
@@ -373,7 +375,7 @@ const std::u16string& KeptStorePath(ChannelStore& store) {
 }
 
 bool LoadStore(ChannelStore& store, std::u16string_view path) {
-    store.SetLoaded(1);
+    store.SetLoaded(true);
     if (!FileExists(path)) {
         return false;
     }
@@ -394,15 +396,13 @@ bool SaveStore(ChannelStore& store, std::u16string_view path, std::u16string* no
         return false;
     }
     const std::string text = StoreWriter().Write(store);
-    const std::filesystem::path file = ToFsPath(path);
-    std::error_code ignored; // a folder that cannot be made fails the write below
-    std::filesystem::create_directories(file.parent_path(), ignored);
+    CreateParentDirectory(path); // a folder that cannot be made fails the write below
     if (!MoveUnreadableStoreAside(store, path, notice)) {
         return false;
     }
     // A backup that cannot be made must not cost the user the changes being saved.
     KeepDailyBackup(path);
-    return WriteFileAtomically(file, text);
+    return WriteFileAtomically(ToFsPath(path), text);
 }
 
 bool SaveAll(ChannelStore& store, std::u16string* notice) {
@@ -414,7 +414,7 @@ bool SaveAll(ChannelStore& store, std::u16string* notice) {
 bool CloseStore(ChannelStore& store, std::u16string* notice) {
     const bool saved = SaveAll(store, notice);
     store.categories().clear();
-    store.SetLoaded(0);
+    store.SetLoaded(false);
     store.SetChannelStorePath({});
     return saved;
 }
