@@ -21,11 +21,9 @@ TEST(DetectFeedType, ComparesTheWholeRootNameIgnoringCase) {
     EXPECT_EQ(DetectFeedType(u"Rss"), kFeedRss);
     EXPECT_EQ(DetectFeedType(u"rdf:rdf"), kFeedRdf);
     EXPECT_EQ(DetectFeedType(u"Feed"), kFeedAtom);
-    EXPECT_EQ(DetectFeedType(u"atom:feed"), kFeedUnknown);
-    EXPECT_EQ(DetectFeedType(u"RDF"), kFeedUnknown);
-    EXPECT_EQ(DetectFeedType(u"opml"), kFeedUnknown);
-    EXPECT_EQ(DetectFeedType(u"rss "), kFeedUnknown);
-    EXPECT_EQ(DetectFeedType(u""), kFeedUnknown);
+    for (const char16_t* other : {u"atom:feed", u"RDF", u"opml", u"rss ", u""}) {
+        EXPECT_EQ(DetectFeedType(other), kFeedUnknown) << WString(other).toUtf8();
+    }
 }
 
 // Russian accepts a region only after a lower-case "ru"; the Asian languages match only when
@@ -125,13 +123,11 @@ TEST_F(CodePageConversion, UnmappableCharactersAndLoneSurrogatesBecomeQuestionMa
     EXPECT_EQ(WideToBytes(u"日\xD800", 0), "\xe6\x97\xa5\xef\xbf\xbd");
 }
 
-TEST_F(CodePageConversion, TextEndsAtTheFirstNul) {
+// Text ends at the first NUL, and limits keep room for a terminator.
+TEST_F(CodePageConversion, TextEndsAtTheFirstNulOrTheLimitAndNeverSplitsACharacter) {
     EXPECT_EQ(BytesToWide("abc\0def"s, 1251), u"abc");
     EXPECT_EQ(BytesToWide("\xcf\0\xcf"s, 1251), u"П");
     EXPECT_EQ(WideToBytes(u"Ж\0Ж"s, 1251), "\xc6");
-}
-
-TEST_F(CodePageConversion, LimitsKeepRoomForATerminatorAndNeverSplitACharacter) {
     EXPECT_EQ(BytesToWide("abcdef", 0, 4), u"abc");
     EXPECT_EQ(BytesToWide("abcdef", 0, 1), u"");
     EXPECT_EQ(BytesToWide("abcdef", 0, 0), u"");
