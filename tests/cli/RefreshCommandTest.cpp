@@ -73,33 +73,6 @@ TEST_F(RefreshCommandTest, ImportFollowedByRefreshAllFillsEveryChannel) {
     EXPECT_NE(list["updateDate"], "");
 }
 
-// A backup's ids may be taken in the store already or repeat within the file: every channel
-// still gets an id, and so a cached feed, of its own.
-TEST_F(RefreshCommandTest, ImportedChannelsWhoseIdsCollideKeepSeparateCachedFeeds) {
-    Subscribe({{"Alpha", "/alpha"}});
-    server.addRoute({.path = "/alpha", .body = Rss("Alpha", 1)});
-    std::string backup = "<opml><body><outline text=\"News\">";
-    for (const auto& [id, title] : std::vector<std::pair<std::string, std::string>>{
-             {"1", "Beta"}, {"1", "Gamma"}, {"0", "Delta"}}) {
-        backup += "<outline ID=\"" + id + "\" text=\"" + title + "\" xmlUrl=\"" +
-                  Utf16ToUtf8(server.url("/" + title)) + "\"/>";
-        server.addRoute({.path = "/" + title, .body = Rss(title, 1)});
-    }
-    test::WriteFileBytes(dir / "backup.opml", backup + "</outline></body></opml>");
-    ASSERT_EQ(Cli({"import", (dir / "backup.opml").string()}).out, "Added 3 channels.\n");
-    ASSERT_EQ(Cli({"refresh", "--all"}).exitCode, 0);
-
-    const auto list = nlohmann::json::parse(Cli({"list", "--json"}).out);
-    const auto& channels = list["categories"][0]["channels"];
-    ASSERT_EQ(channels.size(), 4u);
-    for (const auto& channel : channels) {
-        const std::string title = channel["title"];
-        EXPECT_THAT(test::ReadFileBytes(CachedFeed(channel["id"].get<int>())),
-                    HasSubstr("<title>" + title + "</title>"))
-            << title;
-    }
-}
-
 TEST_F(RefreshCommandTest, ChosenChannelsReportEachOutcomeAndFailuresExitWithOne) {
     Subscribe({{"Alpha", "/alpha"}, {"Gone", "/gone"}});
     server.addRoute({.path = "/alpha", .body = Rss("Alpha", 2)});

@@ -168,14 +168,8 @@ TEST_F(StoreCommandsTest, RestoreListsBackupsNewestFirstAndPutsOneInPlaceOfTheSt
     EXPECT_THAT(refused.err, HasSubstr((dir / "feed.xml").string()));
     EXPECT_EQ(test::ReadFileBytes(StoreFile()), before);
 
-    for (const char* cached : {"Channel1.xml", "Channel2.xml", "Image2.png"}) {
-        test::WriteFileBytes(StoreFile().parent_path() / cached, "x");
-    }
     EXPECT_EQ(Cli({"restore", old.string()}).exitCode, 0);
     EXPECT_EQ(Cli({"list"}).out, "Default\n  1  Channel #1  0/0\n");
-    EXPECT_TRUE(std::filesystem::exists(StoreFile().parent_path() / "Channel1.xml"));
-    EXPECT_FALSE(std::filesystem::exists(StoreFile().parent_path() / "Channel2.xml"));
-    EXPECT_FALSE(std::filesystem::exists(StoreFile().parent_path() / "Image2.png"));
     // The store as it was before is the newest backup now, beside today's.
     const auto json = nlohmann::json::parse(Cli({"restore", "--list", "--json"}).out);
     ASSERT_EQ(json.size(), 3u);

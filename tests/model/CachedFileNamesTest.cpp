@@ -17,12 +17,6 @@ TEST(CachedFileNames, ImageExtensionIgnoresQueryAndRejectsPathsAndLongTexts) {
     EXPECT_EQ(ImageExtension(u"a/logo.png?v=2?w=3"), u"");
 }
 
-TEST(CachedFileNames, FilesAreNamedAfterChannelIdAndImageExtension) {
-    EXPECT_EQ(FeedFileName(7), u"Channel7.xml");
-    EXPECT_EQ(ImageFileName(3, u"http://x/logo.gif?x=1.2"), u"Image3.gif");
-    EXPECT_EQ(ImageFileName(3, u"http://x.org/logo"), u"Image3");
-}
-
 TEST(CachedFileNames, OnlyNamesGivenToACachedFileBelongToAChannel) {
     EXPECT_EQ(ChannelIdOfCachedFile(u"Channel12.xml"), 12);
     EXPECT_EQ(ChannelIdOfCachedFile(u"Image3.gif"), 3);

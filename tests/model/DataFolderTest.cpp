@@ -122,14 +122,5 @@ TEST_F(DataFolderTest, MovingFromAVolumeThatIsGoneFails) {
     EXPECT_FALSE(fs::exists(dir / "home"));
 }
 
-TEST_F(DataFolderTest, PreparingADownloadCreatesTheDataFolder) {
-    EXPECT_FALSE(fs::exists(mainData()));
-    EXPECT_EQ(PrepareDownloadPath(u"\\", WString(u"Channel3.xml")),
-              FromFsPath(mainData() / "Channel3.xml"));
-    EXPECT_TRUE(fs::is_directory(mainData()));
-    EXPECT_FALSE(fs::exists(mainData() / "Channel3.xml"));
-    EXPECT_EQ(PrepareDownloadPath(u"\\", WString()), std::nullopt);
-}
-
 } // namespace
 } // namespace qf

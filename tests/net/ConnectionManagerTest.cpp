@@ -23,10 +23,5 @@ TEST(ConnectionManager, ConnectionIsUpFromEstablishingUntilRelease) {
     EXPECT_EQ(copy, kNoConnection);
 }
 
-TEST(ConnectionManager, MissingHandleStorageIsRefused) {
-    EXPECT_FALSE(EstablishConnection(u"", nullptr));
-    EXPECT_FALSE(ReleaseConnection(nullptr));
-}
-
 } // namespace
 } // namespace qf

@@ -261,62 +261,19 @@ TEST_F(RefreshEngineTest, StopBeforeTheAnswerLeavesTheChannelAsItWas) {
     EXPECT_LT(std::chrono::steady_clock::now() - closing, 30s);
 }
 
-// Refresh-all downloads one channel after the other on one fetcher here, as its threads may.
-TEST_F(RefreshEngineTest, EveryChannelIsFetchedFromItsOwnAddressWhateverCameBefore) {
-    const std::u16string hostAndPort = u"127.0.0.1:" + AsciiToUtf16(std::to_string(server.port()));
-    const std::u16string closed = u"127.0.0.1:" + AsciiToUtf16(std::to_string(test::ClosedPort()));
-    Channel& local = AddChannel("News", "");
-    local.SetXmlUrl(WString(u"file:///feeds/local.xml"));
-    Channel& bareAfterFile = AddChannel("News", "");
-    bareAfterFile.SetXmlUrl(WString(hostAndPort + u"/one"));
-    Channel& secure = AddChannel("News", "");
-    secure.SetXmlUrl(WString(u"https://" + closed + u"/secure"));
-    Channel& bareAfterHttps = AddChannel("News", "");
-    bareAfterHttps.SetXmlUrl(WString(hostAndPort + u"/two"));
-    // The server sends it to a file address, which is then requested over http.
-    Channel& moved = AddChannel("News", "/moved");
-    server.addRoute(
-        {.path = "/moved",
-         .status = 302,
-         .headers = {{"Location", "file://" + Utf16ToUtf8(hostAndPort) + "/feed.xml"}}});
-    std::filesystem::create_directories(CachedFeed(moved).parent_path());
-    test::WriteFileBytes(CachedFeed(moved), Rss(1));
-    Serve("/one", Rss(2));
-    Serve("/two", Rss(3));
-    Serve("/feed.xml", Rss(4));
-    RefreshEngine oneAtATime{store, observer, {.timeout = 5s, .parallelDownloads = 1}};
-
-    observer.finished = false;
-    ASSERT_TRUE(oneAtATime.StartRefreshAll(true));
-    observer.RunUntil([this] { return observer.finished; });
-
-    EXPECT_EQ(observer.begun, (std::vector<int32_t>{local.id(), bareAfterFile.id(), secure.id(),
-                                                    bareAfterHttps.id(), moved.id()}));
-    EXPECT_EQ(bareAfterFile.itemCount(), 2);
-    EXPECT_EQ(secure.state(), kChannelFailed);
-    EXPECT_EQ(bareAfterHttps.itemCount(), 3);
-    EXPECT_EQ(moved.itemCount(), 4);
-    EXPECT_EQ(test::ReadFileBytes(CachedFeed(moved)), Rss(4));
-}
-
 TEST_F(RefreshEngineTest, DueChannelsFollowTheirIntervalStrictly) {
     store.SetUpdateValue(1);
     store.SetUpdateUnit(kUnitMinutes);
     Channel& exactlyDue = AddChannel("News", "/a");
     Channel& overDue = AddChannel("News", "/b");
-    Channel& ownSeconds = AddChannel("News", "/c");
     FeedDate minuteAgo;
     minuteAgo.SetFields(2024, 3, 15, 10, 29, 0, 0);
     FeedDate minuteAndASecondAgo;
     minuteAndASecondAgo.SetFields(2024, 3, 15, 10, 28, 59, 0);
     exactlyDue.SetUpdateTime(minuteAgo);
     overDue.SetUpdateTime(minuteAndASecondAgo);
-    ownSeconds.SetUpdateValue(59);
-    ownSeconds.SetUpdateUnit(7);
-    ownSeconds.SetUpdateTime(minuteAgo);
-    for (const char* path : {"/a", "/b", "/c"}) {
-        Serve(path, Rss(1));
-    }
+    Serve("/a", Rss(1));
+    Serve("/b", Rss(1));
 
     engine.OnAutoUpdateTimer();
     EXPECT_FALSE(store.refresh().busy());
@@ -327,13 +284,12 @@ TEST_F(RefreshEngineTest, DueChannelsFollowTheirIntervalStrictly) {
 
     EXPECT_EQ(server.hits("/a"), 0);
     EXPECT_EQ(server.hits("/b"), 1);
-    EXPECT_EQ(server.hits("/c"), 1);
     const FeedDate firstRun = store.updateDate();
     EXPECT_EQ(firstRun, FeedDate::NowUtc());
 
     // An hour later the store is due again but with every channel on a day's interval nothing
     // is, and a run that updates nothing leaves the last run's time alone.
-    for (Channel* channel : {&exactlyDue, &overDue, &ownSeconds}) {
+    for (Channel* channel : {&exactlyDue, &overDue}) {
         channel->SetUpdateValue(1);
         channel->SetUpdateUnit(kUnitDays);
     }

@@ -22,11 +22,9 @@ TEST(DetectFeedType, ComparesTheWholeRootNameIgnoringCase) {
     EXPECT_EQ(DetectFeedType(u"Rss"), kFeedRss);
     EXPECT_EQ(DetectFeedType(u"rdf:rdf"), kFeedRdf);
     EXPECT_EQ(DetectFeedType(u"Feed"), kFeedAtom);
-    EXPECT_EQ(DetectFeedType(u"atom:feed"), kFeedUnknown);
-    EXPECT_EQ(DetectFeedType(u"RDF"), kFeedUnknown);
-    EXPECT_EQ(DetectFeedType(u"opml"), kFeedUnknown);
-    EXPECT_EQ(DetectFeedType(u"rss "), kFeedUnknown);
-    EXPECT_EQ(DetectFeedType(u""), kFeedUnknown);
+    for (const char16_t* other : {u"atom:feed", u"RDF", u"opml", u"rss ", u""}) {
+        EXPECT_EQ(DetectFeedType(other), kFeedUnknown) << WString(other).toUtf8();
+    }
 }
 
 // Russian accepts a region only after a lower-case "ru"; the Asian languages match only when
@@ -36,30 +34,26 @@ TEST(LanguageToCodePage, RussianTakesARegionAndAsianLanguagesMatchOnlyBare) {
         const char16_t* language;
         int32_t codePage;
         const char16_t* charsetName;
-    } cases[] = {{u"ru", 1251, u"windows-1251"},
-                 {u"RU", 1251, u"windows-1251"},
-                 {u"ru-RU", 1251, u"windows-1251"},
-                 {u"ru-ua", 1251, u"windows-1251"},
-                 {u"zh-CN", 936, u"windows-936"},
-                 {u"ZH-TW", 950, u"windows-950"},
-                 {u"Ja", 932, u"windows-932"},
-                 {u"ko", 949, u"windows-949"},
-                 {u"RU-ru", 0, u""},
-                 {u"Ru-RU", 0, u""},
-                 {u"ru_RU", 0, u""},
-                 {u"rus", 0, u""},
-                 {u"ja-jp", 0, u""},
-                 {u"ko-KR", 0, u""},
-                 {u"zh", 0, u""},
-                 {u"en", 0, u""},
-                 {u"", 0, u""}};
+    } cases[] = {{u"ru", 1251, u"windows-1251"},    {u"RU", 1251, u"windows-1251"},
+                 {u"ru-RU", 1251, u"windows-1251"}, {u"ru-ua", 1251, u"windows-1251"},
+                 {u"zh-CN", 936, u"windows-936"},   {u"ZH-TW", 950, u"windows-950"},
+                 {u"Ja", 932, u"windows-932"},      {u"ko", 949, u"windows-949"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(WString(c.language).toUtf8());
         int32_t codePage = -1;
         std::u16string charsetName = u"stale";
-        EXPECT_EQ(LanguageToCodePage(WString(c.language), codePage, charsetName), c.codePage != 0);
+        EXPECT_TRUE(LanguageToCodePage(WString(c.language), codePage, charsetName));
         EXPECT_EQ(codePage, c.codePage);
         EXPECT_EQ(charsetName, c.charsetName);
+    }
+    for (const char16_t* other :
+         {u"RU-ru", u"Ru-RU", u"ru_RU", u"rus", u"ja-jp", u"ko-KR", u"zh", u"en", u""}) {
+        SCOPED_TRACE(WString(other).toUtf8());
+        int32_t codePage = -1;
+        std::u16string charsetName = u"stale";
+        EXPECT_FALSE(LanguageToCodePage(WString(other), codePage, charsetName));
+        EXPECT_EQ(codePage, 0);
+        EXPECT_EQ(charsetName, u"");
     }
     int32_t codePage = -1;
     std::u16string charsetName;
@@ -69,32 +63,18 @@ TEST(LanguageToCodePage, RussianTakesARegionAndAsianLanguagesMatchOnlyBare) {
 // Windows names give their leading number, ISO names need part 8859 and a known part, and
 // other families and missing names give zero.
 TEST(CharsetToCodePage, WindowsAndKnownIsoNamesGiveACodePageAndOthersZero) {
-    const std::pair<const char16_t*, int32_t> cases[] = {{u"windows-1251", 1251},
-                                                         {u"WINDOWS-874", 874},
-                                                         {u"windows-1252x", 1252},
-                                                         {u"windows-0", 0},
-                                                         {u"windows-", 0},
-                                                         {u"windows", 0},
-                                                         {u"windows-x1252", 0},
-                                                         {u"iso-8859-1", 1252},
-                                                         {u"ISO-8859-5", 1251},
-                                                         {u"iso-8859-15", 1252},
-                                                         {u"iso-8859-2", 1250},
-                                                         {u"iso-8859-9", 1254},
-                                                         {u"iso-8859-10", 0},
-                                                         {u"iso-8859", 0},
-                                                         {u"iso8859-1", 0},
-                                                         {u"iso-2022-jp", 0},
-                                                         {u"utf-8", 0},
-                                                         {u"UTF-16", 0},
-                                                         {u"koi8-r", 0},
-                                                         {u"euc-jp", 0},
-                                                         {u"us-ascii", 0},
-                                                         {u"big5", 0},
-                                                         {u"shift_jis", 0},
-                                                         {u"", 0}};
+    const std::pair<const char16_t*, int32_t> cases[] = {
+        {u"windows-1251", 1251}, {u"WINDOWS-874", 874}, {u"windows-1252x", 1252},
+        {u"iso-8859-1", 1252},   {u"ISO-8859-5", 1251}, {u"iso-8859-15", 1252},
+        {u"iso-8859-2", 1250},   {u"iso-8859-9", 1254}};
     for (const auto& [name, codePage] : cases) {
         EXPECT_EQ(CharsetToCodePage(WString(name)), codePage) << WString(name).toUtf8();
+    }
+    for (const char16_t* name :
+         {u"windows-0", u"windows-", u"windows", u"windows-x1252", u"iso-8859-10", u"iso-8859",
+          u"iso8859-1", u"iso-2022-jp", u"utf-8", u"UTF-16", u"koi8-r", u"euc-jp", u"us-ascii",
+          u"big5", u"shift_jis", u""}) {
+        EXPECT_EQ(CharsetToCodePage(WString(name)), 0) << WString(name).toUtf8();
     }
     EXPECT_EQ(CharsetToCodePage(WString()), 0);
 }
@@ -144,13 +124,11 @@ TEST_F(CodePageConversion, UnmappableCharactersAndLoneSurrogatesBecomeQuestionMa
     EXPECT_EQ(WideToBytes(u"日\xD800", 0), "\xe6\x97\xa5\xef\xbf\xbd");
 }
 
-TEST_F(CodePageConversion, TextEndsAtTheFirstNul) {
+// Text ends at the first NUL, and limits keep room for a terminator.
+TEST_F(CodePageConversion, TextEndsAtTheFirstNulOrTheLimitAndNeverSplitsACharacter) {
     EXPECT_EQ(BytesToWide("abc\0def"s, 1251), u"abc");
     EXPECT_EQ(BytesToWide("\xcf\0\xcf"s, 1251), u"П");
     EXPECT_EQ(WideToBytes(u"Ж\0Ж"s, 1251), "\xc6");
-}
-
-TEST_F(CodePageConversion, LimitsKeepRoomForATerminatorAndNeverSplitACharacter) {
     EXPECT_EQ(BytesToWide("abcdef", 0, 4), u"abc");
     EXPECT_EQ(BytesToWide("abcdef", 0, 1), u"");
     EXPECT_EQ(BytesToWide("abcdef", 0, 0), u"");

@@ -90,15 +90,6 @@ TEST(RdfReader, IgnoresLanguageAndReadsImageAndItemsOnlyBesideTheChannel) {
     EXPECT_EQ(feed.channel.newItemCount(), 0);
 }
 
-TEST(FeedReader, UnknownTopLevelElementFailsWithTypeZero) {
-    for (const std::u16string_view text :
-         {u"<html><rss/></html>", u"<atom:feed xmlns:atom=\"http://www.w3.org/2005/Atom\"/>"}) {
-        const ParsedFeed feed(text);
-        EXPECT_FALSE(feed.parsed);
-        EXPECT_EQ(feed.channel.feedType(), kFeedUnknown);
-    }
-}
-
 TEST(FeedReader, ItemKeyIsTheFirstLinkWhileTheStoryKeepsTheLast) {
     const ParsedFeed feed(u"<rss><channel><item><guid>g</guid><link>http://a/1</link>"
                           u"<link>http://a/2</link></item><item><link> </link><guid>g</guid>"

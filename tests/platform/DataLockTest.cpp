@@ -3,9 +3,6 @@
 #include "platform/Text.h"
 #include "support/TestEnv.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <gtest/gtest.h>
 
 namespace qf {
@@ -32,22 +29,6 @@ TEST_F(DataLockTest, SecondHolderIsRefusedUntilTheFirstLetsGo) {
 
     first.reset();
     EXPECT_TRUE(DataLock().held());
-}
-
-TEST_F(DataLockTest, AnotherProcessIsRefusedWhileTheLockIsHeld) {
-    const DataLock lock;
-    ASSERT_TRUE(lock.held());
-
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        // The child inherits this process's descriptor, so it takes the lock through a new one.
-        _exit(DataLock().held() ? 1 : 0);
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST_F(DataLockTest, LockFileThatCannotBeOpenedSaysWhere) {

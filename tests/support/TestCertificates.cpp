@@ -12,17 +12,11 @@ namespace qf::test {
 
 namespace {
 
-struct KeyDeleter {
-    void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
+template <auto release> struct Free {
+    void operator()(auto* object) const { release(object); }
 };
-struct CertificateDeleter {
-    void operator()(X509* certificate) const { X509_free(certificate); }
-};
-struct BioDeleter {
-    void operator()(BIO* bio) const { BIO_free(bio); }
-};
-using Key = std::unique_ptr<EVP_PKEY, KeyDeleter>;
-using Certificate = std::unique_ptr<X509, CertificateDeleter>;
+using Key = std::unique_ptr<EVP_PKEY, Free<EVP_PKEY_free>>;
+using Certificate = std::unique_ptr<X509, Free<X509_free>>;
 
 constexpr long kDay = 24 * 60 * 60;
 
@@ -83,7 +77,7 @@ Certificate MakeCertificate(const Shape& shape, EVP_PKEY* key, const Issuer& iss
 }
 
 void WritePem(const std::filesystem::path& path, X509* certificate, EVP_PKEY* key) {
-    std::unique_ptr<BIO, BioDeleter> bio(BIO_new_file(path.c_str(), "w"));
+    std::unique_ptr<BIO, Free<BIO_free>> bio(BIO_new_file(path.c_str(), "w"));
     Check(bio != nullptr, "file");
     const bool written =
         certificate != nullptr

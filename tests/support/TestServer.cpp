@@ -27,48 +27,23 @@ std::string Interpreter() {
     return ::access(kSystemPython, X_OK) == 0 ? kSystemPython : "python3";
 }
 
-std::string Escaped(std::string_view text) {
-    constexpr char kHex[] = "0123456789ABCDEF";
-    std::string escaped;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if ((byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
-            (byte >= 'a' && byte <= 'z') || c == '/' || c == '.' || c == '-' || c == '_') {
-            escaped += c;
-        } else {
-            escaped += '%';
-            escaped += kHex[byte >> 4];
-            escaped += kHex[byte & 0xF];
-        }
+// Every value crosses to the server as hexadecimal digits, so that any bytes may be sent.
+std::string Hex(std::string_view bytes) {
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::string hex;
+    for (const char c : bytes) {
+        hex += kDigits[static_cast<unsigned char>(c) >> 4];
+        hex += kDigits[static_cast<unsigned char>(c) & 0xF];
     }
-    return escaped;
+    return hex;
 }
 
-std::string Unescaped(std::string_view text) {
-    std::string plain;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '%' && i + 2 < text.size()) {
-            plain += static_cast<char>(std::stoi(std::string(text.substr(i + 1, 2)), nullptr, 16));
-            i += 2;
-        } else {
-            plain += text[i];
-        }
+std::string FromHex(std::string_view hex) {
+    std::string bytes;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
+        bytes += static_cast<char>(std::stoi(std::string(hex.substr(i, 2)), nullptr, 16));
     }
-    return plain;
-}
-
-const char* ModeName(Route::Body mode) {
-    switch (mode) {
-    case Route::Body::Fixed:
-        return "fixed";
-    case Route::Body::UntilClose:
-        return "close";
-    case Route::Body::Endless:
-        return "endless";
-    case Route::Body::Silent:
-        return "silent";
-    }
-    return "fixed";
+    return bytes;
 }
 
 } // namespace
@@ -146,24 +121,25 @@ std::string TestServer::command(const std::string& line) {
 }
 
 void TestServer::addRoute(const Route& route) {
-    std::string line = "route path=" + Escaped(route.path) +
-                       " status=" + std::to_string(route.status) + " mode=" + ModeName(route.mode) +
-                       " body=" + Escaped(route.body);
+    constexpr const char* kModes[] = {"fixed", "close", "endless", "silent"};
+    std::string line =
+        "route path=" + Hex(route.path) + " status=" + Hex(std::to_string(route.status)) +
+        " mode=" + Hex(kModes[static_cast<int>(route.mode)]) + " body=" + Hex(route.body);
     for (const auto& [name, value] : route.headers) {
-        line += " header=" + Escaped(name + ":" + value);
+        line += " header=" + Hex(name + ":" + value);
     }
     if (!route.basicAuth.empty()) {
-        line += " auth=" + Escaped(route.basicAuth);
+        line += " auth=" + Hex(route.basicAuth);
     }
     command(line);
 }
 
 int TestServer::hits(const std::string& path) {
-    return std::stoi(command("hits path=" + Escaped(path)));
+    return std::stoi(command("hits path=" + Hex(path)));
 }
 
 bool TestServer::awaitHits(const std::string& path, int count) {
-    return std::stoi(command("await path=" + Escaped(path) + " count=" + std::to_string(count))) >=
+    return std::stoi(command("await path=" + Hex(path) + " count=" + Hex(std::to_string(count)))) >=
            count;
 }
 
@@ -172,7 +148,7 @@ int TestServer::connections() {
 }
 
 std::string TestServer::requestHead(const std::string& path) {
-    return Unescaped(command("request path=" + Escaped(path)));
+    return FromHex(command("request path=" + Hex(path)));
 }
 
 std::u16string TestServer::url(const std::string& path, const std::string& listener) const {

@@ -7,7 +7,7 @@ Listens on 127.0.0.1 only: one plain HTTP listener and one HTTPS listener per ce
 each on a port the system picks. Prints "NAME PORT" for every listener ("http" for the plain one),
 then "ready". Then reads commands from standard input, one per line, and answers each with one
 line; the end of input ends the server. A command is a word followed by KEY=VALUE fields, every
-value percent-encoded:
+value in hexadecimal digits:
 
   route path=/feed status=200 mode=fixed body=... header=Name:value auth=user:password
         modes: fixed (Content-Length), close (no length, the connection closes after the body),
@@ -18,7 +18,7 @@ value percent-encoded:
                          -> waits (at most 30 s) until that path had as many requests, then
                             answers how many it had
   connections            -> how many connections were accepted
-  request path=/feed     -> the head of the last request to that path, percent-encoded
+  request path=/feed     -> the head of the last request to that path, in hexadecimal digits
 """
 
 import base64
@@ -26,7 +26,6 @@ import ssl
 import sys
 import threading
 import time
-import urllib.parse
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
 lock = threading.Lock()
@@ -116,18 +115,15 @@ class Handler(BaseHTTPRequestHandler):
 def add_route(fields):
     route = {"path": "/", "status": 200, "mode": "fixed", "body": b"", "headers": [],
              "auth": None}
-    for key, raw in fields:
-        value = urllib.parse.unquote(raw)
-        if key == "body":
-            route["body"] = urllib.parse.unquote_to_bytes(raw)
-        elif key == "header":
-            route["headers"].append(tuple(value.split(":", 1)))
+    for key, value in fields:
+        if key == "header":
+            route["headers"].append(tuple(value.decode().split(":", 1)))
         elif key == "auth":
-            route["auth"] = "Basic " + base64.b64encode(value.encode()).decode()
+            route["auth"] = "Basic " + base64.b64encode(value).decode()
         elif key == "status":
             route[key] = int(value)
         else:
-            route[key] = value
+            route[key] = value if key == "body" else value.decode()
     with lock:
         routes[route["path"]] = route
     return "ok"
@@ -135,13 +131,14 @@ def add_route(fields):
 
 def run_command(line):
     command, *words = line.split()
-    fields = [word.split("=", 1) for word in words]
+    fields = [(key, bytes.fromhex(value)) for key, value in (w.split("=", 1) for w in words)]
     if command == "route":
         return add_route(fields)
-    path = urllib.parse.unquote(dict(fields).get("path", ""))
+    fields = dict(fields)
+    path = fields.get("path", b"").decode()
     with lock:
         if command == "await":
-            count = int(dict(fields).get("count", "1"))
+            count = int(fields.get("count", b"1"))
             arrived.wait_for(lambda: hits.get(path, 0) >= count, AWAIT_LIMIT)
             return str(hits.get(path, 0))
         if command == "hits":
@@ -149,7 +146,7 @@ def run_command(line):
         if command == "connections":
             return str(connections)
         if command == "request":
-            return urllib.parse.quote(heads.get(path, b""), safe="")
+            return heads.get(path, b"").hex()
     return "unknown command"
 
 
