@@ -12,21 +12,19 @@
 
 namespace {
 
-void Walk(const qf::XmlDocument& doc, qf::XmlNode node) {
-    for (qf::XmlNode child = doc.FirstElementChild(node); child; child = doc.NextSibling(child)) {
-        doc.NodeName(child);
-        doc.GetText(child);
-        std::u16string value;
-        doc.GetAttribute(doc.Attributes(child), u"href", value);
-        doc.GetAttribute(doc.Attributes(child), u"qf_wasRead", value);
-        Walk(doc, child);
+void Walk(qf::XmlNode node) {
+    for (const qf::XmlNode child : node.children()) {
+        child.name();
+        child.text();
+        child.attribute(u"href");
+        child.attribute(u"qf_wasRead");
+        Walk(child);
     }
 }
 
 void Exercise(qf::XmlDocument& doc) {
-    Walk(doc, doc.RootNode());
-    qf::XmlNodeList items = doc.ElementsByTagName(u"item");
-    while (qf::XmlNode item = qf::XmlDocument::ListNext(items)) {
+    Walk(doc.RootNode());
+    for (const qf::XmlNode item : doc.ElementsByTagName(u"item")) {
         doc.SetAttribute(item, u"qf_wasRead", qf::WString(u"yes"));
     }
     std::u16string encoding;

@@ -26,60 +26,59 @@ constexpr std::array<FieldName<EntryField>, 5> kEntryFields = {{
     {u"content", EntryField::kContent},
 }};
 
-void ReadEntry(const XmlDocument& document, Channel& channel, XmlNode entryElement) {
+void ReadEntry(Channel& channel, XmlNode entryElement, int32_t codePage) {
     auto item = std::make_unique<NewsItem>();
-    item->SetCodePage(document.codePage());
-    ReadStateOf(document, entryElement, *item);
-    ForEachChild(document, entryElement, [&](XmlNode child) {
-        std::u16string href;
-        switch (FieldOf(document.NodeName(child), kEntryFields, EntryField::kNone)) {
+    item->SetCodePage(codePage);
+    ReadStateOf(entryElement, *item);
+    for (const XmlNode child : entryElement.children()) {
+        switch (FieldOf(child.name(), kEntryFields, EntryField::kNone)) {
         case EntryField::kTitle:
-            item->SetTitle(WString(document.GetText(child)));
+            item->SetTitle(WString(child.text()));
             break;
         case EntryField::kLink: // of several page links the last one wins
-            if (HtmlLinkHref(document, child, href)) {
-                item->SetLink(WString(std::move(href)));
+            if (auto href = HtmlLinkHref(child)) {
+                item->SetLink(WString(std::move(*href)));
             }
             break;
         case EntryField::kId: // kept to tell linkless entries apart, never used as their link
-            item->SetGuid(WString(document.GetText(child)));
+            item->SetGuid(WString(child.text()));
             break;
         case EntryField::kUpdated:
-            item->SetDate(DateOf(document.GetText(child)));
+            item->SetDate(DateOf(child.text()));
             break;
         case EntryField::kContent:
-            item->SetDescription(WString(document.GetText(child)));
+            item->SetDescription(WString(child.text()));
             break;
         case EntryField::kNone:
             break;
         }
-    });
+    }
     channel.AddItem(std::move(item));
 }
 
 } // namespace
 
-bool ParseAtom(XmlDocument& document, Channel& channel, bool takeTitle, XmlNode rootElement) {
-    ForEachChild(document, rootElement, [&](XmlNode child) {
-        switch (FieldOf(document.NodeName(child), kFeedFields, FeedField::kNone)) {
+bool ParseAtom(Channel& channel, bool takeTitle, XmlNode rootElement, int32_t codePage) {
+    for (const XmlNode child : rootElement.children()) {
+        switch (FieldOf(child.name(), kFeedFields, FeedField::kNone)) {
         case FeedField::kTitle:
             if (takeTitle) {
-                channel.SetTitle(WString(document.GetText(child)));
+                channel.SetTitle(WString(child.text()));
             }
             break;
         case FeedField::kUpdated:
-            channel.SetLastBuildDate(DateOf(document.GetText(child)));
+            channel.SetLastBuildDate(DateOf(child.text()));
             break;
         case FeedField::kIcon:
-            SetImageAddress(channel, document.GetText(child));
+            SetImageAddress(channel, child.text());
             break;
         case FeedField::kEntry:
-            ReadEntry(document, channel, child);
+            ReadEntry(channel, child, codePage);
             break;
         case FeedField::kNone:
             break;
         }
-    });
+    }
     return true;
 }
 

@@ -20,19 +20,18 @@ FeedDate DateOf(std::u16string_view text) {
     return date;
 }
 
-void ReadStateOf(const XmlDocument& document, XmlNode element, NewsItem& item) {
-    std::u16string value;
-    if (document.GetAttribute(document.Attributes(element), kReadStateAttribute, value)) {
-        item.SetRead(EqualsIgnoreCase(value, kReadValue) ? 1 : 0);
+void ReadStateOf(XmlNode element, NewsItem& item) {
+    if (const auto value = element.attribute(kReadStateAttribute)) {
+        item.SetRead(EqualsIgnoreCase(*value, kReadValue) ? 1 : 0);
     }
 }
 
-bool HtmlLinkHref(const XmlDocument& document, XmlNode link, std::u16string& href) {
-    const XmlAttributes attributes = document.Attributes(link);
-    std::u16string type;
-    return document.GetAttribute(attributes, kTypeAttribute, type) &&
-           EqualsIgnoreCase(type, kHtmlType) &&
-           document.GetAttribute(attributes, kHrefAttribute, href);
+std::optional<std::u16string> HtmlLinkHref(XmlNode link) {
+    const auto type = link.attribute(kTypeAttribute);
+    if (!type || !EqualsIgnoreCase(*type, kHtmlType)) {
+        return std::nullopt;
+    }
+    return link.attribute(kHrefAttribute);
 }
 
 void SetImageAddress(Channel& channel, std::u16string_view url) {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -36,25 +37,15 @@ Field FieldOf(std::u16string_view name, const std::array<FieldName<Field>, N>& t
     return none;
 }
 
-// Calls `visit(child)` for the children of `parent` from its first element child on, through
-// every following sibling whatever its kind, in document order.
-template <typename Visit>
-void ForEachChild(const XmlDocument& document, XmlNode parent, Visit&& visit) {
-    for (XmlNode child = document.FirstElementChild(parent); child;
-         child = document.NextSibling(child)) {
-        visit(child);
-    }
-}
-
 // A feed date; empty when the text is not one.
 FeedDate DateOf(std::u16string_view text);
 
 // Sets the story's read flag from the element's qf_wasRead attribute when it has one: read
 // exactly when the value is "yes" in any case.
-void ReadStateOf(const XmlDocument& document, XmlNode element, NewsItem& item);
+void ReadStateOf(XmlNode element, NewsItem& item);
 
-// The `href` of an Atom link whose `type` is "text/html" in any case; false for other links.
-bool HtmlLinkHref(const XmlDocument& document, XmlNode link, std::u16string& href);
+// The `href` of an Atom link whose `type` is "text/html" in any case; none for other links.
+std::optional<std::u16string> HtmlLinkHref(XmlNode link);
 
 // Points the channel's logo at `url` and names its cached copy after the channel and the url.
 void SetImageAddress(Channel& channel, std::u16string_view url);

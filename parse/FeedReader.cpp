@@ -18,14 +18,14 @@ constexpr std::u16string_view kGuidElement = u"guid";
 constexpr std::u16string_view kAtomIdElement = u"id";
 constexpr std::u16string_view kTitleElement = u"title";
 
-bool ReadByType(XmlDocument& document, Channel& channel, bool takeTitle, XmlNode top) {
+bool ReadByType(Channel& channel, bool takeTitle, XmlNode top, int32_t codePage) {
     switch (channel.feedType()) {
     case kFeedRdf:
-        return ParseRdf(document, channel, takeTitle, top);
+        return ParseRdf(channel, takeTitle, top, codePage);
     case kFeedRss:
-        return ParseRss(document, channel, takeTitle, top);
+        return ParseRss(channel, takeTitle, top, codePage);
     case kFeedAtom:
-        return ParseAtom(document, channel, takeTitle, top);
+        return ParseAtom(channel, takeTitle, top, codePage);
     default:
         return false;
     }
@@ -33,37 +33,27 @@ bool ReadByType(XmlDocument& document, Channel& channel, bool takeTitle, XmlNode
 
 // The page address a `link` element gives: its text, or in Atom the `href` of a text/html link
 // (none for other Atom links).
-std::optional<std::u16string> PageLink(const XmlDocument& document, XmlNode link,
-                                       int32_t feedType) {
+std::optional<std::u16string> PageLink(XmlNode link, int32_t feedType) {
     if (feedType != kFeedAtom) {
-        return document.GetText(link);
+        return link.text();
     }
-    std::u16string href;
-    if (HtmlLinkHref(document, link, href)) {
-        return href;
-    }
-    return std::nullopt;
+    return HtmlLinkHref(link);
 }
 
 } // namespace
 
-bool ParseFeed(XmlDocument& document, Channel& channel, bool takeTitle) {
-    const XmlNode root = document.RootNode();
-    if (!root) {
-        return false;
-    }
-    const XmlNode top = document.FirstElementChild(root);
+bool ParseFeed(const XmlDocument& document, Channel& channel, bool takeTitle) {
+    const XmlNode top = document.RootNode().firstElementChild();
     if (!top) {
         return false;
     }
-    channel.SetFeedType(DetectFeedType(document.NodeName(top)));
-    const bool parsed = ReadByType(document, channel, takeTitle, top);
+    channel.SetFeedType(DetectFeedType(top.name()));
+    const bool parsed = ReadByType(channel, takeTitle, top, document.declaredCodePage());
     channel.CountItems();
     return parsed;
 }
 
-bool ItemKey(const XmlDocument& document, XmlNode itemElement, std::u16string& out,
-             int32_t feedType) {
+bool ItemKey(XmlNode itemElement, std::u16string& out, int32_t feedType) {
     out.clear();
     if (feedType != kFeedRdf && feedType != kFeedRss && feedType != kFeedAtom) {
         return false;
@@ -74,18 +64,18 @@ bool ItemKey(const XmlDocument& document, XmlNode itemElement, std::u16string& o
     std::u16string guid;
     std::u16string title;
     const std::u16string_view guidName = feedType == kFeedAtom ? kAtomIdElement : kGuidElement;
-    ForEachChild(document, itemElement, [&](XmlNode child) {
-        const std::u16string name = document.NodeName(child);
+    for (const XmlNode child : itemElement.children()) {
+        const std::u16string name = child.name();
         if (EqualsIgnoreCase(name, kLinkElement)) {
             if (!link) {
-                link = PageLink(document, child, feedType);
+                link = PageLink(child, feedType);
             }
         } else if (EqualsIgnoreCase(name, guidName)) {
-            guid = document.GetText(child);
+            guid = child.text();
         } else if (EqualsIgnoreCase(name, kTitleElement)) {
-            title = document.GetText(child);
+            title = child.text();
         }
-    });
+    }
     out = StoryKey(link.value_or(std::u16string()), guid, title);
     return !out.empty();
 }

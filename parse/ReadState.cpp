@@ -88,11 +88,9 @@ bool WriteReadStates(XmlDocument& document, const Channel& channel) {
         return false;
     }
     StoriesInTurn stories(channel.items(), false);
-    XmlNodeList elements = document.ElementsByTagName(StoryElementName(feedType));
     std::u16string key;
-    for (XmlNode element = XmlDocument::ListNext(elements); element;
-         element = XmlDocument::ListNext(elements)) {
-        if (!ItemKey(document, element, key, feedType)) {
+    for (const XmlNode element : document.ElementsByTagName(StoryElementName(feedType))) {
+        if (!ItemKey(element, key, feedType)) {
             continue;
         }
         if (const NewsItem* story = stories.Next(Folded(key))) {

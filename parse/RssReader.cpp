@@ -61,94 +61,96 @@ constexpr std::array<FieldName<RdfField>, 3> kRdfFields = {{
 // channel's own title and date.
 enum class Dialect { kRss, kRdf };
 
-void ReadImage(const XmlDocument& document, Channel& channel, XmlNode imageElement) {
+void ReadImage(Channel& channel, XmlNode imageElement) {
     ChannelImage& image = channel.image();
-    ForEachChild(document, imageElement, [&](XmlNode child) {
-        switch (FieldOf(document.NodeName(child), kImageFields, ImageField::kNone)) {
+    for (const XmlNode child : imageElement.children()) {
+        switch (FieldOf(child.name(), kImageFields, ImageField::kNone)) {
         case ImageField::kTitle:
-            image.SetTitle(WString(document.GetText(child)));
+            image.SetTitle(WString(child.text()));
             break;
         case ImageField::kWidth:
-            image.SetWidth(LeadingDecimal(document.GetText(child)));
+            image.SetWidth(LeadingDecimal(child.text()));
             break;
         case ImageField::kHeight:
-            image.SetHeight(LeadingDecimal(document.GetText(child)));
+            image.SetHeight(LeadingDecimal(child.text()));
             break;
         case ImageField::kUrl:
-            SetImageAddress(channel, document.GetText(child));
+            SetImageAddress(channel, child.text());
             break;
         case ImageField::kLink:
         case ImageField::kNone:
             break;
         }
-    });
+    }
 }
 
-void ReadItem(const XmlDocument& document, Channel& channel, XmlNode itemElement) {
+void ReadItem(Channel& channel, XmlNode itemElement, int32_t codePage) {
     auto item = std::make_unique<NewsItem>();
-    item->SetCodePage(document.codePage());
-    ReadStateOf(document, itemElement, *item);
-    ForEachChild(document, itemElement, [&](XmlNode child) {
-        switch (FieldOf(document.NodeName(child), kItemFields, ItemField::kNone)) {
+    item->SetCodePage(codePage);
+    ReadStateOf(itemElement, *item);
+    for (const XmlNode child : itemElement.children()) {
+        switch (FieldOf(child.name(), kItemFields, ItemField::kNone)) {
         case ItemField::kTitle:
-            item->SetTitle(WString(document.GetText(child)));
+            item->SetTitle(WString(child.text()));
             break;
         case ItemField::kLink:
-            item->SetLink(WString(document.GetText(child)));
+            item->SetLink(WString(child.text()));
             break;
         case ItemField::kGuid: // kept to tell linkless stories apart, never used as their link
-            item->SetGuid(WString(document.GetText(child)));
+            item->SetGuid(WString(child.text()));
             break;
         case ItemField::kPubDate:
-            item->SetDate(DateOf(document.GetText(child)));
+            item->SetDate(DateOf(child.text()));
             break;
         case ItemField::kDescription:
-            item->SetDescription(WString(document.GetText(child)));
+            item->SetDescription(WString(child.text()));
             break;
         case ItemField::kNone:
             break;
         }
-    });
+    }
     channel.AddItem(std::move(item));
 }
 
-// A language from the table picks the code page of the stories read after it; an unknown one
-// changes nothing.
-void ApplyLanguage(XmlDocument& document, Channel& channel, std::u16string_view language) {
-    int32_t codePage = 0;
+// A language from the table picks the code page of the stories read after it and names the
+// channel's encoding; an unknown one changes nothing.
+void ApplyLanguage(Channel& channel, std::u16string_view language, int32_t& codePage) {
+    int32_t picked = 0;
     std::u16string charsetName;
-    if (LanguageToCodePage(WString(language), codePage, charsetName)) {
-        document.setCodePage(codePage);
+    if (LanguageToCodePage(WString(language), picked, charsetName)) {
+        codePage = picked;
         channel.SetEncoding(WString(std::move(charsetName)));
     }
 }
 
-void ReadChannel(XmlDocument& document, Channel& channel, bool takeTitle, XmlNode channelElement,
-                 Dialect dialect) {
+// `codePage` is where the stories' code page starts; a `language` changes it for the stories
+// after it, within this channel's walk only.
+void ReadChannel(Channel& channel, bool takeTitle, XmlNode channelElement, Dialect dialect,
+                 int32_t codePage) {
     const bool rss = dialect == Dialect::kRss;
-    ForEachChild(document, channelElement, [&](XmlNode child) {
-        switch (FieldOf(document.NodeName(child), kChannelFields, ChannelField::kNone)) {
+    for (const XmlNode child : channelElement.children()) {
+        switch (FieldOf(child.name(), kChannelFields, ChannelField::kNone)) {
         case ChannelField::kTitle:
             if (takeTitle) {
-                channel.SetTitle(WString(document.GetText(child)));
+                channel.SetTitle(WString(child.text()));
             }
             break;
         case ChannelField::kLanguage:
             if (rss) {
-                ApplyLanguage(document, channel, document.GetText(child));
+                ApplyLanguage(channel, child.text(), codePage);
             }
             break;
         case ChannelField::kLastBuildDate:
-            channel.SetLastBuildDate(DateOf(document.GetText(child)));
+            channel.SetLastBuildDate(DateOf(child.text()));
             break;
         case ChannelField::kImage:
             if (rss) {
-                ReadImage(document, channel, child);
+                ReadImage(channel, child);
             }
             break;
         case ChannelField::kItem:
             if (rss) {
-                ReadItem(document, channel, child);
+                ReadItem(channel, child, codePage);
             }
             break;
         case ChannelField::kDescription:
@@ -156,35 +158,35 @@ void ReadChannel(XmlDocument& document, Channel& channel, bool takeTitle, XmlNod
         case ChannelField::kNone:
             break;
         }
-    });
+    }
 }
 
 } // namespace
 
-bool ParseRss(XmlDocument& document, Channel& channel, bool takeTitle, XmlNode rootElement) {
-    const XmlNode first = document.FirstElementChild(rootElement);
-    if (first && EqualsIgnoreCase(document.NodeName(first), kChannelElement)) {
-        ReadChannel(document, channel, takeTitle, first, Dialect::kRss);
+bool ParseRss(Channel& channel, bool takeTitle, XmlNode rootElement, int32_t codePage) {
+    const XmlNode first = rootElement.firstElementChild();
+    if (first.isNamed(kChannelElement)) {
+        ReadChannel(channel, takeTitle, first, Dialect::kRss, codePage);
     }
     return true;
 }
 
-bool ParseRdf(XmlDocument& document, Channel& channel, bool takeTitle, XmlNode rootElement) {
-    ForEachChild(document, rootElement, [&](XmlNode child) {
-        switch (FieldOf(document.NodeName(child), kRdfFields, RdfField::kNone)) {
+bool ParseRdf(Channel& channel, bool takeTitle, XmlNode rootElement, int32_t codePage) {
+    for (const XmlNode child : rootElement.children()) {
+        switch (FieldOf(child.name(), kRdfFields, RdfField::kNone)) {
         case RdfField::kChannel:
-            ReadChannel(document, channel, takeTitle, child, Dialect::kRdf);
+            ReadChannel(channel, takeTitle, child, Dialect::kRdf, codePage);
             break;
         case RdfField::kImage:
-            ReadImage(document, channel, child);
+            ReadImage(channel, child);
             break;
         case RdfField::kItem:
-            ReadItem(document, channel, child);
+            ReadItem(channel, child, codePage);
             break;
         case RdfField::kNone:
             break;
         }
-    });
+    }
     return true;
 }
 

@@ -406,12 +406,10 @@ std::optional<std::string> Serialise(xmlDoc* document) {
     return bytes;
 }
 
-xmlNode* AsXml(void* node) {
-    return static_cast<xmlNode*>(node);
-}
-
-xmlDoc* AsXmlDoc(void* document) {
-    return static_cast<xmlDoc*>(document);
+// A document starts with the same fields as a node (type, name, children, siblings), and
+// libxml2 itself passes one for the other: the root node is the document seen that way.
+xmlNode* AsNode(xmlDoc* document) {
+    return reinterpret_cast<xmlNode*>(document);
 }
 
 // The code page of a double-quoted encoding in a declaration's text; a single-quoted or spaced
@@ -451,8 +449,13 @@ bool IsValidName(const std::string& name) {
 
 } // namespace
 
-void XmlDocument::FreeDocument::operator()(void* document) const {
-    xmlFreeDoc(AsXmlDoc(document));
+void XmlDocument::FreeDocument::operator()(xmlDoc* document) const {
+    xmlFreeDoc(document);
+}
+
+void XmlDocument::Adopt(xmlDoc* document, int32_t declaredCodePage) {
+    document_.reset(document);
+    declaredCodePage_ = declaredCodePage;
 }
 
 XmlDocument::XmlDocument() : ready_(SetUpLibrary()) {}
@@ -474,7 +477,7 @@ bool XmlDocument::LoadBytes(std::string_view bytes) {
         return false;
     }
     SetEncoding(document.get(), DeclaredEncoding(bytes));
-    document_.reset(document.release());
+    Adopt(document.release(), 0);
     return true;
 }
 
@@ -482,13 +485,14 @@ bool XmlDocument::LoadText(std::u16string_view text, bool requireFeedRoot) {
     if (!ready_ || text.empty()) {
         return false;
     }
+    int32_t codePage = 0;
     const std::size_t start = text.find(kDeclarationStart);
     if (start != std::u16string_view::npos) {
         const std::size_t inside = start + kDeclarationStart.size();
         const std::size_t end = text.find(kDeclarationEnd, inside);
         // The text is UTF-16 already, so a declared encoding would only contradict it.
         if (end != std::u16string_view::npos) {
-            codePage_ = DeclarationCodePage(text.substr(inside, end - inside));
+            codePage = DeclarationCodePage(text.substr(inside, end - inside));
             text.remove_prefix(end + kDeclarationEnd.size());
         }
     } else if (requireFeedRoot && !ContainsFeedRootWord(text)) {
@@ -499,7 +503,7 @@ bool XmlDocument::LoadText(std::u16string_view text, bool requireFeedRoot) {
         return false;
     }
     SetEncoding(document.get(), std::nullopt);
-    document_.reset(document.release());
+    Adopt(document.release(), codePage);
     return true;
 }
 
@@ -508,7 +512,7 @@ bool XmlDocument::Save(std::u16string_view path) const {
         return false;
     }
     CreateParentDirectory(path); // a folder that cannot be made fails the write below
-    const std::optional<std::string> bytes = Serialise(AsXmlDoc(document_.get()));
+    const std::optional<std::string> bytes = Serialise(document_.get());
     return bytes && WriteFileAtomically(ToFsPath(path), *bytes);
 }
 
@@ -523,21 +527,19 @@ bool XmlDocument::NewDocument() {
     // Names interned in a dictionary, as a parsed document has them: a built document repeats
     // a few names many times.
     document->dict = xmlDictCreate();
-    document_.reset(document);
+    Adopt(document, 0);
     return true;
 }
 
 XmlNode XmlDocument::RootNode() const {
-    return XmlNode(document_.get());
+    return XmlNode(AsNode(document_.get()));
 }
 
-XmlNode XmlDocument::FirstElementChild(XmlNode node) const {
-    const xmlNode* parent = AsXml(node.node_);
-    if (parent == nullptr ||
-        (parent->type != XML_ELEMENT_NODE && parent->type != XML_DOCUMENT_NODE)) {
+XmlNode XmlNode::firstElementChild() const {
+    if (node_ == nullptr || (node_->type != XML_ELEMENT_NODE && node_->type != XML_DOCUMENT_NODE)) {
         return {};
     }
-    for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
+    for (xmlNode* child = node_->children; child != nullptr; child = child->next) {
         if (child->type == XML_ELEMENT_NODE) {
             return XmlNode(child);
         }
@@ -545,20 +547,43 @@ XmlNode XmlDocument::FirstElementChild(XmlNode node) const {
     return {};
 }
 
-XmlNode XmlDocument::NextSibling(XmlNode node) const {
-    const xmlNode* current = AsXml(node.node_);
-    return current == nullptr ? XmlNode() : XmlNode(current->next);
+XmlNode XmlNode::nextSibling() const {
+    return node_ == nullptr ? XmlNode() : XmlNode(node_->next);
 }
 
-std::u16string XmlDocument::NodeName(XmlNode node) const {
-    const xmlNode* current = AsXml(node.node_);
+XmlNode::Children XmlNode::children() const {
+    return {firstElementChild(), std::nullopt};
+}
+
+XmlNode::Children XmlNode::children(std::u16string_view name) const {
+    return {firstElementChild(), name};
+}
+
+XmlNode::Children::Iterator::Iterator(XmlNode node, std::optional<std::u16string_view> name)
+    : node_(node), name_(name) {
+    SkipUnnamed();
+}
+
+XmlNode::Children::Iterator& XmlNode::Children::Iterator::operator++() {
+    node_ = node_.nextSibling();
+    SkipUnnamed();
+    return *this;
+}
+
+void XmlNode::Children::Iterator::SkipUnnamed() {
+    while (name_ && node_ && !node_.isNamed(*name_)) {
+        node_ = node_.nextSibling();
+    }
+}
+
+std::u16string XmlNode::name() const {
     std::u16string name;
-    if (current == nullptr) {
+    if (node_ == nullptr) {
         return name;
     }
-    switch (current->type) {
+    switch (node_->type) {
     case XML_ELEMENT_NODE:
-        AppendQualifiedName(name, current->ns, current->name);
+        AppendQualifiedName(name, node_->ns, node_->name);
         break;
     case XML_TEXT_NODE:
         name = u"#text";
@@ -575,7 +600,7 @@ std::u16string XmlDocument::NodeName(XmlNode node) const {
     case XML_PI_NODE:
     case XML_ENTITY_REF_NODE:
     case XML_DTD_NODE:
-        AppendUtf8(name, View(current->name));
+        AppendUtf8(name, View(node_->name));
         break;
     default:
         break;
@@ -583,27 +608,30 @@ std::u16string XmlDocument::NodeName(XmlNode node) const {
     return name;
 }
 
-std::u16string XmlDocument::GetText(XmlNode element) const {
-    const xmlNode* node = AsXml(element.node_);
+bool XmlNode::isNamed(std::u16string_view name) const {
+    return EqualsIgnoreCase(this->name(), name);
+}
+
+std::u16string XmlNode::text() const {
     std::u16string text;
-    if (node == nullptr) {
+    if (node_ == nullptr) {
         return text;
     }
-    switch (node->type) {
+    switch (node_->type) {
     case XML_ELEMENT_NODE:
     case XML_DOCUMENT_NODE:
-        if (node->children == nullptr || node->children->type != XML_ELEMENT_NODE) {
-            AppendDescendantText(text, node->children);
+        if (node_->children == nullptr || node_->children->type != XML_ELEMENT_NODE) {
+            AppendDescendantText(text, node_->children);
         }
         break;
     case XML_ENTITY_REF_NODE:
-        AppendDescendantText(text, EntityContent(node));
+        AppendDescendantText(text, EntityContent(node_));
         break;
     case XML_TEXT_NODE:
     case XML_CDATA_SECTION_NODE:
     case XML_COMMENT_NODE:
     case XML_PI_NODE:
-        AppendUtf8(text, View(node->content));
+        AppendUtf8(text, View(node_->content));
         break;
     default:
         break;
@@ -611,20 +639,12 @@ std::u16string XmlDocument::GetText(XmlNode element) const {
     return text;
 }
 
-XmlAttributes XmlDocument::Attributes(XmlNode node) const {
-    const xmlNode* element = AsXml(node.node_);
-    return element != nullptr && element->type == XML_ELEMENT_NODE ? XmlAttributes(node)
-                                                                   : XmlAttributes();
-}
-
-bool XmlDocument::GetAttribute(const XmlAttributes& attributes, std::u16string_view name,
-                               std::u16string& out) const {
-    const xmlNode* element = AsXml(attributes.element_.node_);
-    if (element == nullptr) {
-        return false;
+std::optional<std::u16string> XmlNode::attribute(std::u16string_view name) const {
+    if (node_ == nullptr || node_->type != XML_ELEMENT_NODE) {
+        return std::nullopt;
     }
     std::u16string candidate;
-    for (const xmlAttr* attribute = element->properties; attribute != nullptr;
+    for (const xmlAttr* attribute = node_->properties; attribute != nullptr;
          attribute = attribute->next) {
         if (!QualifiedNameMayEqual(attribute->ns, attribute->name, name)) {
             continue;
@@ -632,16 +652,16 @@ bool XmlDocument::GetAttribute(const XmlAttributes& attributes, std::u16string_v
         candidate.clear();
         AppendQualifiedName(candidate, attribute->ns, attribute->name);
         if (EqualsIgnoreCase(candidate, name)) {
-            out.clear();
-            AppendDescendantText(out, attribute->children);
-            return true;
+            std::u16string value;
+            AppendDescendantText(value, attribute->children);
+            return value;
         }
     }
-    return false;
+    return std::nullopt;
 }
 
 bool XmlDocument::SetAttribute(XmlNode node, std::u16string_view name, const WString& value) {
-    xmlNode* element = AsXml(node.node_);
+    xmlNode* element = node.node_;
     if (element == nullptr || element->type != XML_ELEMENT_NODE || value.isNull()) {
         return false;
     }
@@ -658,12 +678,12 @@ bool XmlDocument::SetAttribute(XmlNode node, std::u16string_view name, const WSt
 }
 
 XmlNode XmlDocument::CreateChildElement(XmlNode parent, std::u16string_view name) {
-    xmlNode* owner = AsXml(parent.node_);
+    xmlNode* owner = parent.node_;
     if (owner == nullptr) {
         return {};
     }
     // A document holds one top-level element.
-    if (owner->type == XML_DOCUMENT_NODE ? xmlDocGetRootElement(AsXmlDoc(owner)) != nullptr
+    if (owner->type == XML_DOCUMENT_NODE ? xmlDocGetRootElement(owner->doc) != nullptr
                                          : owner->type != XML_ELEMENT_NODE) {
         return {};
     }
@@ -682,41 +702,27 @@ XmlNode XmlDocument::CreateChildElement(XmlNode parent, std::u16string_view name
     return XmlNode(child);
 }
 
-XmlNodeList XmlDocument::ElementsByTagName(std::u16string_view name) const {
-    XmlNodeList list;
+std::vector<XmlNode> XmlDocument::ElementsByTagName(std::u16string_view name) const {
+    std::vector<XmlNode> elements;
     if (document_ == nullptr) {
-        return list;
+        return elements;
     }
     const std::string wanted = Utf16ToUtf8(name);
-    for (xmlNode* node = AsXmlDoc(document_.get())->children; node != nullptr;
-         node = NextInDocumentOrder(node)) {
+    for (xmlNode* node = document_->children; node != nullptr; node = NextInDocumentOrder(node)) {
         if (node->type == XML_ELEMENT_NODE && QualifiedNameIs(node, wanted)) {
-            list.nodes_.push_back(XmlNode(node));
+            elements.push_back(XmlNode(node));
         }
     }
-    return list;
-}
-
-std::size_t XmlDocument::ListLength(const XmlNodeList& list) {
-    return list.nodes_.size();
-}
-
-XmlNode XmlDocument::ListNext(XmlNodeList& list) {
-    return list.next_ < list.nodes_.size() ? list.nodes_[list.next_++] : XmlNode();
+    return elements;
 }
 
 bool XmlDocument::ReadDeclaredEncoding(std::u16string& out) const {
-    const xmlDoc* document = AsXmlDoc(document_.get());
+    const xmlDoc* document = document_.get();
     if (document == nullptr || document->encoding == nullptr) {
         return false;
     }
     out = FromUtf8(document->encoding);
     return true;
-}
-
-int32_t XmlDocument::SetCodePageFromName(const WString& charsetName) {
-    codePage_ = CharsetToCodePage(charsetName);
-    return codePage_;
 }
 
 bool XmlDocument::SniffFeedFile(std::u16string_view path) {

@@ -4,45 +4,99 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+// libxml2's node and document, named here only so that this header need not include libxml2;
+// the reserved-looking names are libxml2's own.
+struct _xmlNode; // NOLINT(bugprone-reserved-identifier)
+struct _xmlDoc;  // NOLINT(bugprone-reserved-identifier)
+
 namespace qf {
 
 // A node of an XmlDocument. The handle does not own the node: it stays valid while its document
-// lives and until the document is loaded again or started anew. An empty handle means "no node".
+// lives and until the document is loaded again or started anew. An empty handle means "no node";
+// every query of it answers empty. Reading goes through the node, so a reader needs nothing but
+// the node it was handed; changing the tree goes through the document (see SetAttribute).
 class XmlNode {
 public:
+    class Children;
+
     XmlNode() = default;
     explicit operator bool() const { return node_ != nullptr; }
     friend bool operator==(XmlNode, XmlNode) = default;
 
+    // "prefix:local" for elements; "#text", "#cdata-section", "#comment" and "#document" for
+    // those nodes; the target of a processing instruction and the name of an entity reference.
+    std::u16string name() const;
+    // Whether name() equals `name` ignoring case, as the readers match every name.
+    bool isNamed(std::u16string_view name) const;
+
+    // The element's text: empty when its first child is an element, otherwise all descendant
+    // text (CDATA included, entities expanded) joined. An element that starts with markup thus
+    // reads as empty, while the same element with whitespace before that markup reads as the
+    // text of everything inside it.
+    std::u16string text() const;
+
+    // The value of the first attribute, in document order, whose name equals `name` ignoring
+    // case; none for a node that is no element.
+    std::optional<std::u16string> attribute(std::u16string_view name) const;
+
+    // The first child that is an element, passing over declarations, comments and whitespace.
+    XmlNode firstElementChild() const;
+    // The next sibling, whatever kind of node it is.
+    XmlNode nextSibling() const;
+
+    // The children as the readers have always walked them: from the first element child on,
+    // every following sibling whatever its kind, in document order. What comes before the first
+    // element (whitespace, comments) is passed over; what follows it is visited under the name
+    // name() gives it, so text and comments never pass for an element a reader seeks.
+    Children children() const;
+    // The same walk, keeping only the nodes whose name equals `name` ignoring case.
+    Children children(std::u16string_view name) const;
+
 private:
     friend class XmlDocument;
-    explicit XmlNode(void* node) : node_(node) {}
-    void* node_ = nullptr;
+    explicit XmlNode(_xmlNode* node) : node_(node) {}
+    _xmlNode* node_ = nullptr;
 };
 
-// The attributes of one element, read in document order; empty for a node that has none.
-class XmlAttributes {
+// The range of XmlNode::children, for range-for. It keeps the name it filters by as a view, so
+// it is meant for the loop that names it, not to be kept.
+class XmlNode::Children {
 public:
-    XmlAttributes() = default;
-    explicit operator bool() const { return static_cast<bool>(element_); }
+    class Iterator {
+    public:
+        using value_type = XmlNode;
+        using difference_type = std::ptrdiff_t;
+
+        XmlNode operator*() const { return node_; }
+        Iterator& operator++();
+        void operator++(int) { ++*this; }
+        bool operator==(std::default_sentinel_t) const { return !node_; }
+
+    private:
+        friend class Children;
+        Iterator(XmlNode node, std::optional<std::u16string_view> name);
+        void SkipUnnamed();
+
+        XmlNode node_;
+        std::optional<std::u16string_view> name_;
+    };
+
+    Iterator begin() const { return {first_, name_}; }
+    std::default_sentinel_t end() const { return {}; }
 
 private:
-    friend class XmlDocument;
-    explicit XmlAttributes(XmlNode element) : element_(element) {}
-    XmlNode element_;
-};
+    friend class XmlNode;
+    Children(XmlNode first, std::optional<std::u16string_view> name) : first_(first), name_(name) {}
 
-// The elements a document-wide search found, in document order, taken one at a time.
-class XmlNodeList {
-private:
-    friend class XmlDocument;
-    std::vector<XmlNode> nodes_;
-    std::size_t next_ = 0;
+    XmlNode first_;
+    std::optional<std::u16string_view> name_;
 };
 
 // One parsed XML document: every feed file, store file and OPML file passes through it. Parsing
@@ -60,9 +114,10 @@ public:
     // False when the XML library could not be set up; every load and save then fails.
     bool ready() const { return ready_; }
 
-    // The character set the loaded text declared (see LoadText), or one set since; 0 when unknown.
-    int32_t codePage() const { return codePage_; }
-    void setCodePage(int32_t codePage) { codePage_ = codePage; }
+    // The code page of the encoding that the declaration LoadText cut off named; 0 when it named
+    // none, and for a document loaded from bytes (their declaration decoded them) or started
+    // anew. Readers start their stories' code page from it.
+    int32_t declaredCodePage() const { return declaredCodePage_; }
 
     // Reads and parses a file, after SniffFeedFile accepted it. The bytes are decoded as the
     // file's own declaration or byte-order mark says.
@@ -72,8 +127,8 @@ public:
     bool LoadBytes(std::string_view bytes);
 
     // Parses a document held as text. An XML declaration is cut off first and a double-quoted
-    // encoding in it sets codePage(); without a declaration and with `requireFeedRoot`, the text
-    // must name one of the feed roots somewhere.
+    // encoding in it sets declaredCodePage(); without a declaration and with `requireFeedRoot`, the
+    // text must name one of the feed roots somewhere.
     bool LoadText(std::u16string_view text, bool requireFeedRoot);
 
     // Writes the document atomically in its declared encoding (UTF-8 when it declares none),
@@ -83,41 +138,21 @@ public:
     // Starts an empty document with the declaration version 1.0 and no encoding.
     bool NewDocument();
 
-    // The document itself: hand it to FirstElementChild to reach the top-level element.
+    // The document itself: its firstElementChild() is the top-level element.
     XmlNode RootNode() const;
-    // The first child that is an element, passing over declarations, comments and whitespace.
-    XmlNode FirstElementChild(XmlNode node) const;
-    // The next sibling, whatever kind of node it is.
-    XmlNode NextSibling(XmlNode node) const;
-    // "prefix:local" for elements; "#text", "#cdata-section", "#comment" and "#document" for
-    // those nodes; empty for an empty handle.
-    std::u16string NodeName(XmlNode node) const;
 
-    // The element's text: empty when its first child is an element, otherwise all descendant
-    // text (CDATA included, entities expanded) joined. An element that starts with markup thus
-    // reads as empty, while the same element with whitespace before that markup reads as the
-    // text of everything inside it.
-    std::u16string GetText(XmlNode element) const;
-
-    XmlAttributes Attributes(XmlNode node) const;
-    // The value of the first attribute, in document order, whose name equals `name` ignoring
-    // case; `out` is left alone when there is none.
-    bool GetAttribute(const XmlAttributes& attributes, std::u16string_view name,
-                      std::u16string& out) const;
+    // Changes to the tree are made through the document, so that only code holding it writable
+    // can make them; nodes alone only read.
     // Sets (or replaces) an attribute of an element; a null value sets nothing and fails.
     bool SetAttribute(XmlNode node, std::u16string_view name, const WString& value);
     // Appends a new element without namespace to an element or to the document.
     XmlNode CreateChildElement(XmlNode parent, std::u16string_view name);
 
     // Every element of the document whose qualified name is exactly `name`, in document order.
-    XmlNodeList ElementsByTagName(std::u16string_view name) const;
-    static std::size_t ListLength(const XmlNodeList& list);
-    static XmlNode ListNext(XmlNodeList& list);
+    std::vector<XmlNode> ElementsByTagName(std::u16string_view name) const;
 
     // The encoding named by the XML declaration of the loaded file.
     bool ReadDeclaredEncoding(std::u16string& out) const;
-    // Stores the code page that a charset name stands for, and answers it.
-    int32_t SetCodePageFromName(const WString& charsetName);
 
     // The quick test made before parsing a file: it must hold an XML declaration or one of the
     // words "rdf:RDF", "rss", "feed", "opml" (case-sensitive, anywhere).
@@ -125,12 +160,15 @@ public:
 
 private:
     struct FreeDocument {
-        void operator()(void* document) const;
+        void operator()(_xmlDoc* document) const;
     };
 
+    // Takes a freshly parsed or built document in place of the current one.
+    void Adopt(_xmlDoc* document, int32_t declaredCodePage);
+
     bool ready_ = false;
-    std::unique_ptr<void, FreeDocument> document_;
-    int32_t codePage_ = 0;
+    std::unique_ptr<_xmlDoc, FreeDocument> document_;
+    int32_t declaredCodePage_ = 0;
 };
 
 } // namespace qf

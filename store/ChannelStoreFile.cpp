@@ -148,20 +148,20 @@ class StoreReader {
 public:
     // `settleIds` for the store file itself: channels that share an id are given ids of their
     // own. An imported file is read without, and its channels get their ids as they are merged.
-    StoreReader(XmlDocument& document, ChannelStore& store, bool settleIds)
+    StoreReader(const XmlDocument& document, ChannelStore& store, bool settleIds)
         : document_(document), store_(store), settleIds_(settleIds) {}
 
     bool Read() {
-        const XmlNode root = document_.FirstElementChild(document_.RootNode());
-        if (!root || !EqualsIgnoreCase(document_.NodeName(root), kOpml)) {
+        const XmlNode root = document_.RootNode().firstElementChild();
+        if (!root.isNamed(kOpml)) {
             return false;
         }
-        for (XmlNode child = document_.FirstElementChild(root); child;
-             child = document_.NextSibling(child)) {
-            if (IsNamed(child, kHead)) {
-                ForEachChildNamed(child, kOptions,
-                                  [this](XmlNode options) { ReadOptions(options); });
-            } else if (IsNamed(child, kBody)) {
+        for (const XmlNode child : root.children()) {
+            if (child.isNamed(kHead)) {
+                for (const XmlNode options : child.children(kOptions)) {
+                    ReadOptions(options);
+                }
+            } else if (child.isNamed(kBody)) {
                 ReadBody(child);
             }
         }
@@ -176,67 +176,49 @@ public:
     }
 
 private:
-    bool IsNamed(XmlNode node, std::u16string_view name) const {
-        return EqualsIgnoreCase(document_.NodeName(node), name);
-    }
-
-    template <typename Visit>
-    void ForEachChildNamed(XmlNode parent, std::u16string_view name, Visit visit) {
-        for (XmlNode child = document_.FirstElementChild(parent); child;
-             child = document_.NextSibling(child)) {
-            if (IsNamed(child, name)) {
-                visit(child);
-            }
-        }
-    }
-
     // Values are read through the buffer of 10240 characters that shaped every stored value.
-    std::optional<std::u16string> Attribute(const XmlAttributes& attributes,
-                                            std::u16string_view name) const {
-        std::u16string value;
-        if (!document_.GetAttribute(attributes, name, value)) {
-            return std::nullopt;
-        }
-        if (value.size() > kXmlValueCapacity) {
-            value = BoundedCopy(value, kXmlValueCapacity);
+    static std::optional<std::u16string> Attribute(XmlNode element, std::u16string_view name) {
+        std::optional<std::u16string> value = element.attribute(name);
+        if (value && value->size() > kXmlValueCapacity) {
+            value = BoundedCopy(*value, kXmlValueCapacity);
         }
         return value;
     }
 
     template <typename Set>
-    void ReadNumber(const XmlAttributes& attributes, std::u16string_view name, Set set) const {
-        if (const auto value = Attribute(attributes, name)) {
+    static void ReadNumber(XmlNode element, std::u16string_view name, Set set) {
+        if (const auto value = Attribute(element, name)) {
             set(LeadingDecimal(*value));
         }
     }
 
     template <typename Set>
-    void ReadYes(const XmlAttributes& attributes, std::u16string_view name, Set set) const {
-        if (const auto value = Attribute(attributes, name)) {
+    static void ReadYes(XmlNode element, std::u16string_view name, Set set) {
+        if (const auto value = Attribute(element, name)) {
             set(EqualsIgnoreCase(*value, kYes) ? 1 : 0);
         }
     }
 
     void ReadOptions(XmlNode options) {
-        ForEachChildNamed(options, kChannels, [this](XmlNode channels) {
-            const XmlAttributes attributes = document_.Attributes(channels);
-            ReadNumber(attributes, kCategoryId, [this](int32_t v) { store_.SetCategoryId(v); });
-            ReadNumber(attributes, kNextId, [this](int32_t v) { store_.SetNextId(v); });
+        for (const XmlNode channels : options.children(kChannels)) {
+            ReadNumber(channels, kCategoryId, [this](int32_t v) { store_.SetCategoryId(v); });
+            ReadNumber(channels, kNextId, [this](int32_t v) { store_.SetNextId(v); });
             // Written as yes/no but read as a number, so it comes back as 0 from a saved file.
-            ReadNumber(attributes, kNewChannels, [this](int32_t v) { store_.SetNewChannels(v); });
-        });
-        ForEachChildNamed(options, kChannel, [this](XmlNode list) { ReadListOptions(list); });
+            ReadNumber(channels, kNewChannels, [this](int32_t v) { store_.SetNewChannels(v); });
+        }
+        for (const XmlNode list : options.children(kChannel)) {
+            ReadListOptions(list);
+        }
     }
 
     void ReadListOptions(XmlNode list) {
-        const XmlAttributes attributes = document_.Attributes(list);
-        ReadNumber(attributes, kSortBy, [this](int32_t v) { store_.SetSortBy(v); });
-        ReadNumber(attributes, kSortOrder, [this](int32_t v) { store_.SetSortOrder(v); });
-        ReadYes(attributes, kNewHeadlines, [this](int32_t v) { store_.SetNewHeadlines(v); });
-        ReadYes(attributes, kAutoUpdate, [this](int32_t v) { store_.SetAutoUpdate(v); });
-        ReadNumber(attributes, kUpdateValue, [this](int32_t v) { store_.SetUpdateValue(v); });
-        ReadNumber(attributes, kUpdateUnit, [this](int32_t v) { store_.SetUpdateUnit(v); });
-        if (const auto value = Attribute(attributes, kUpdateDate)) {
+        ReadNumber(list, kSortBy, [this](int32_t v) { store_.SetSortBy(v); });
+        ReadNumber(list, kSortOrder, [this](int32_t v) { store_.SetSortOrder(v); });
+        ReadYes(list, kNewHeadlines, [this](int32_t v) { store_.SetNewHeadlines(v); });
+        ReadYes(list, kAutoUpdate, [this](int32_t v) { store_.SetAutoUpdate(v); });
+        ReadNumber(list, kUpdateValue, [this](int32_t v) { store_.SetUpdateValue(v); });
+        ReadNumber(list, kUpdateUnit, [this](int32_t v) { store_.SetUpdateUnit(v); });
+        if (const auto value = Attribute(list, kUpdateDate)) {
             FeedDate date;
             date.Parse(*value);
             store_.SetUpdateDate(date);
@@ -244,83 +226,80 @@ private:
     }
 
     void ReadBody(XmlNode body) {
-        ForEachChildNamed(body, kOutline, [this](XmlNode outline) {
-            const XmlAttributes attributes = document_.Attributes(outline);
-            if (Attribute(attributes, kXmlUrl)) {
-                auto channel = ReadChannel(attributes);
+        for (const XmlNode outline : body.children(kOutline)) {
+            if (Attribute(outline, kXmlUrl)) {
+                auto channel = ReadChannel(outline);
                 store_.DefaultCategory().AddChannel(std::move(channel));
-                return;
+                continue;
             }
             auto category = std::make_unique<Category>();
-            if (auto name = Attribute(attributes, kText)) {
+            if (auto name = Attribute(outline, kText)) {
                 category->SetName(WString(std::move(*name)));
-            } else if (auto title = Attribute(attributes, kTitle)) {
+            } else if (auto title = Attribute(outline, kTitle)) {
                 category->SetName(WString(std::move(*title)));
             }
             CollectChannels(outline, *store_.AddCategory(std::move(category)));
-        });
+        }
     }
 
     // Groups inside a category are flattened into it, however deep they nest.
     void CollectChannels(XmlNode parent, Category& category) {
-        ForEachChildNamed(parent, kOutline, [this, &category](XmlNode outline) {
-            const XmlAttributes attributes = document_.Attributes(outline);
-            if (Attribute(attributes, kXmlUrl)) {
-                category.AddChannel(ReadChannel(attributes));
+        for (const XmlNode outline : parent.children(kOutline)) {
+            if (Attribute(outline, kXmlUrl)) {
+                category.AddChannel(ReadChannel(outline));
             } else {
                 CollectChannels(outline, category);
             }
-        });
+        }
     }
 
-    std::unique_ptr<Channel> ReadChannel(const XmlAttributes& attributes) {
+    std::unique_ptr<Channel> ReadChannel(XmlNode outline) {
         auto channel = std::make_unique<Channel>();
         Channel& c = *channel;
-        const auto id = Attribute(attributes, kId);
+        const auto id = Attribute(outline, kId);
         if (store_.AssignLoadedId(c, id ? std::optional<int32_t>(LeadingDecimal(*id))
                                         : std::nullopt)) {
             handedOut_.push_back(&c);
         }
-        if (auto encoding = Attribute(attributes, kEncoding)) {
+        if (auto encoding = Attribute(outline, kEncoding)) {
             const WString name(std::move(*encoding));
             c.SetEncoding(name);
             c.SetCodePage(CharsetToCodePage(name));
-            document_.SetCodePageFromName(name);
         }
-        if (!ReadText(attributes, kText, [&c](const WString& v) { c.SetTitle(v); })) {
-            ReadText(attributes, kTitle, [&c](const WString& v) { c.SetTitle(v); });
+        if (!ReadText(outline, kText, [&c](const WString& v) { c.SetTitle(v); })) {
+            ReadText(outline, kTitle, [&c](const WString& v) { c.SetTitle(v); });
         }
-        ReadText(attributes, kXmlUrl, [&c](const WString& v) { c.SetXmlUrl(v); });
-        ReadText(attributes, kUserName, [&c](const WString& v) { c.SetUserName(v); });
-        ReadText(attributes, kPassword, [&c](const WString& v) { c.SetPassword(v); });
-        ReadNumber(attributes, kUpdateValue, [&c](int32_t v) { c.SetUpdateValue(v); });
-        ReadNumber(attributes, kUpdateUnit, [&c](int32_t v) { c.SetUpdateUnit(v); });
-        ReadNumber(attributes, kItemCount, [&c](int32_t v) { c.SetItemCount(v); });
-        ReadNumber(attributes, kNewItemCount, [&c](int32_t v) { c.SetNewItemCount(v); });
-        ReadNumber(attributes, kMatchCount, [&c](int32_t v) { c.SetMatchCount(v); });
-        if (const auto value = Attribute(attributes, kUpdateTime)) {
+        ReadText(outline, kXmlUrl, [&c](const WString& v) { c.SetXmlUrl(v); });
+        ReadText(outline, kUserName, [&c](const WString& v) { c.SetUserName(v); });
+        ReadText(outline, kPassword, [&c](const WString& v) { c.SetPassword(v); });
+        ReadNumber(outline, kUpdateValue, [&c](int32_t v) { c.SetUpdateValue(v); });
+        ReadNumber(outline, kUpdateUnit, [&c](int32_t v) { c.SetUpdateUnit(v); });
+        ReadNumber(outline, kItemCount, [&c](int32_t v) { c.SetItemCount(v); });
+        ReadNumber(outline, kNewItemCount, [&c](int32_t v) { c.SetNewItemCount(v); });
+        ReadNumber(outline, kMatchCount, [&c](int32_t v) { c.SetMatchCount(v); });
+        if (const auto value = Attribute(outline, kUpdateTime)) {
             FeedDate date;
             date.Parse(*value);
             c.SetUpdateTime(date);
         }
-        ReadYes(attributes, kHasErrors, [&c](int32_t v) {
+        ReadYes(outline, kHasErrors, [&c](int32_t v) {
             c.SetHasErrors(v);
             c.SetState(v != 0 ? kChannelFailed : kChannelIdle);
         });
-        ReadText(attributes, kErrorText, [&c](const WString& v) { c.SetErrorText(v, false); });
+        ReadText(outline, kErrorText, [&c](const WString& v) { c.SetErrorText(v, false); });
         return channel;
     }
 
     template <typename Set>
-    bool ReadText(const XmlAttributes& attributes, std::u16string_view name, Set set) const {
-        auto value = Attribute(attributes, name);
+    static bool ReadText(XmlNode element, std::u16string_view name, Set set) {
+        auto value = Attribute(element, name);
         if (value) {
             set(WString(std::move(*value)));
         }
         return value.has_value();
     }
 
-    XmlDocument& document_;
+    const XmlDocument& document_;
     ChannelStore& store_;
     bool settleIds_;
     // The channels whose id the load handed out, for a stored 0.
@@ -387,7 +366,7 @@ bool LoadStore(ChannelStore& store, std::u16string_view path) {
     return true;
 }
 
-bool ReadStoreDocument(XmlDocument& document, ChannelStore& store) {
+bool ReadStoreDocument(const XmlDocument& document, ChannelStore& store) {
     return StoreReader(document, store, false).Read();
 }
 

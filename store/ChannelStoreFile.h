@@ -25,7 +25,7 @@ bool LoadStore(ChannelStore& store, std::u16string_view path);
 // into "Default". Fails only when the top-level element is not `opml`. OPML import reads through
 // this; unlike loading the store file, it leaves ids that channels share as they are (merging
 // the channels into the store gives them ids of their own).
-bool ReadStoreDocument(XmlDocument& document, ChannelStore& store);
+bool ReadStoreDocument(const XmlDocument& document, ChannelStore& store);
 
 // Writes the whole store to `path`, atomically. When that path holds a store file that could not
 // be read, it is first moved aside (below); the save fails rather than overwrite it. A readable

@@ -27,12 +27,12 @@ TEST(AtomReader, EntryLinkComesOnlyFromTextHtmlLinksAndTheLastOneWins) {
     EXPECT_EQ(feed.item(1).link(), u"http://a/caps");
     EXPECT_EQ(feed.item(2).link(), u"http://a/2");
 
-    XmlNodeList entries = feed.document.ElementsByTagName(u"entry");
+    const std::vector<XmlNode> entries = feed.document.ElementsByTagName(u"entry");
     std::u16string key;
-    EXPECT_FALSE(ItemKey(feed.document, XmlDocument::ListNext(entries), key, kFeedAtom));
-    EXPECT_TRUE(ItemKey(feed.document, XmlDocument::ListNext(entries), key, kFeedAtom));
+    EXPECT_FALSE(ItemKey(entries.at(0), key, kFeedAtom));
+    EXPECT_TRUE(ItemKey(entries.at(1), key, kFeedAtom));
     EXPECT_EQ(key, u"http://a/caps");
-    EXPECT_TRUE(ItemKey(feed.document, XmlDocument::ListNext(entries), key, kFeedAtom));
+    EXPECT_TRUE(ItemKey(entries.at(2), key, kFeedAtom));
     EXPECT_EQ(key, u"http://a/1");
 }
 

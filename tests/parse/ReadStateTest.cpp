@@ -26,10 +26,8 @@ std::unique_ptr<NewsItem> Story(const char16_t* link, std::u16string_view date, 
     return item;
 }
 
-std::u16string Attribute(const XmlDocument& document, XmlNode element) {
-    std::u16string value = u"<none>";
-    document.GetAttribute(document.Attributes(element), u"qf_wasRead", value);
-    return value;
+std::u16string ReadState(XmlNode element) {
+    return element.attribute(u"qf_wasRead").value_or(u"<none>");
 }
 
 // Short local dates depend on the zone, so the clock is pinned to UTC.
@@ -128,13 +126,13 @@ TEST(WriteReadStates, StampsTheNthElementWithAKeyFromTheNthStoryWithIt) {
     feed.channel.AddItem(Story(u"http://a/3", u"", true));
 
     EXPECT_TRUE(WriteReadStates(feed.document, feed.channel));
-    XmlNodeList items = feed.document.ElementsByTagName(u"item");
-    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"yes");
-    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"no");
-    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"no");
-    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"<none>");
+    const std::vector<XmlNode> items = feed.document.ElementsByTagName(u"item");
+    EXPECT_EQ(ReadState(items.at(0)), u"yes");
+    EXPECT_EQ(ReadState(items.at(1)), u"no");
+    EXPECT_EQ(ReadState(items.at(2)), u"no");
+    EXPECT_EQ(ReadState(items.at(3)), u"<none>");
     // Every element of the name counts, wherever it stands.
-    EXPECT_EQ(Attribute(feed.document, XmlDocument::ListNext(items)), u"yes");
+    EXPECT_EQ(ReadState(items.at(4)), u"yes");
 
     feed.channel.SetFeedType(kFeedUnknown);
     EXPECT_FALSE(WriteReadStates(feed.document, feed.channel));

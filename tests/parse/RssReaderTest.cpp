@@ -96,18 +96,18 @@ TEST(FeedReader, ItemKeyIsTheFirstLinkWhileTheStoryKeepsTheLast) {
                           u"<title>t</title></item><item><description>d</description></item>"
                           u"</channel></rss>");
     ASSERT_TRUE(feed.parsed);
-    XmlNodeList items = feed.document.ElementsByTagName(u"item");
+    const std::vector<XmlNode> items = feed.document.ElementsByTagName(u"item");
     std::u16string key = u"stale";
-    EXPECT_TRUE(ItemKey(feed.document, XmlDocument::ListNext(items), key, kFeedRss));
+    EXPECT_TRUE(ItemKey(items.at(0), key, kFeedRss));
     EXPECT_EQ(key, u"http://a/1");
     EXPECT_EQ(feed.item(0).link(), u"http://a/2");
     EXPECT_EQ(feed.item(0).key(), u"http://a/2");
     // A blank link is none: the guid stands in for it, in the key only.
-    EXPECT_TRUE(ItemKey(feed.document, XmlDocument::ListNext(items), key, kFeedRss));
+    EXPECT_TRUE(ItemKey(items.at(1), key, kFeedRss));
     EXPECT_EQ(key, u"g");
     EXPECT_EQ(feed.item(1).key(), u"g");
     EXPECT_EQ(feed.item(1).link(), u" ");
-    EXPECT_FALSE(ItemKey(feed.document, XmlDocument::ListNext(items), key, kFeedRss));
+    EXPECT_FALSE(ItemKey(items.at(2), key, kFeedRss));
     EXPECT_EQ(key, u"");
 }
 

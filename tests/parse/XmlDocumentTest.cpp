@@ -18,19 +18,17 @@ protected:
         return doc.LoadFile(PathOf("feed.xml"));
     }
     std::u16string PathOf(const std::string& name) const { return FromFsPath(dir / name); }
-    XmlNode Top() const { return doc.FirstElementChild(doc.RootNode()); }
-    XmlNode Child(XmlNode parent, std::u16string_view name) const {
-        for (XmlNode n = doc.FirstElementChild(parent); n; n = doc.NextSibling(n)) {
-            if (doc.NodeName(n) == name) {
+    XmlNode Top() const { return doc.RootNode().firstElementChild(); }
+    static XmlNode Child(XmlNode parent, std::u16string_view name) {
+        for (const XmlNode n : parent.children()) {
+            if (n.name() == name) {
                 return n;
             }
         }
         return {};
     }
-    std::u16string Attribute(XmlNode node, std::u16string_view name) const {
-        std::u16string value = u"<none>";
-        doc.GetAttribute(doc.Attributes(node), name, value);
-        return value;
+    static std::u16string Attribute(XmlNode node, std::u16string_view name) {
+        return node.attribute(name).value_or(u"<none>");
     }
 
     test::TempDir dir;
@@ -43,10 +41,10 @@ TEST_F(XmlDocumentTest, TextJoinsDescendantTextCdataAndEntitiesButNoComments) {
                              u"<rss><d>a &amp; <![CDATA[<p>c</p>]]><!--no--><i>&me;</i> "
                              u"&#x4E2D;&#x1F600;</d><a>  <b>x</b></a><c><b>x</b> y</c><e/></rss>",
                              true));
-    EXPECT_EQ(doc.GetText(Child(Top(), u"d")), u"a & <p>c</p>M\u00E9 \u4E2D\U0001F600");
-    EXPECT_EQ(doc.GetText(Child(Top(), u"a")), u"  x");
-    EXPECT_EQ(doc.GetText(Child(Top(), u"c")), u"");
-    EXPECT_EQ(doc.GetText(Child(Top(), u"e")), u"");
+    EXPECT_EQ(Child(Top(), u"d").text(), u"a & <p>c</p>M\u00E9 \u4E2D\U0001F600");
+    EXPECT_EQ(Child(Top(), u"a").text(), u"  x");
+    EXPECT_EQ(Child(Top(), u"c").text(), u"");
+    EXPECT_EQ(Child(Top(), u"e").text(), u"");
 }
 
 TEST_F(XmlDocumentTest, AttributeNamesMatchIgnoringCaseAndTheFirstWins) {
@@ -61,9 +59,7 @@ TEST_F(XmlDocumentTest, AttributeNamesMatchIgnoringCaseAndTheFirstWins) {
     EXPECT_EQ(Attribute(item, u"X:id"), u"2");
     EXPECT_EQ(Attribute(item, u"hre"), u"<none>");
     EXPECT_EQ(Attribute(item, u"type"), u"<none>");
-    std::u16string untouched = u"kept";
-    EXPECT_FALSE(doc.GetAttribute(doc.Attributes(doc.NextSibling(item)), u"x", untouched));
-    EXPECT_EQ(untouched, u"kept");
+    EXPECT_FALSE(item.nextSibling().attribute(u"x"));
 }
 
 TEST_F(XmlDocumentTest, NamesAreQualifiedAndTagSearchMatchesThemExactly) {
@@ -71,40 +67,44 @@ TEST_F(XmlDocumentTest, NamesAreQualifiedAndTagSearchMatchesThemExactly) {
                              u"xmlns=\"http://purl.org/rss/1.0/\"><channel><item rdf:about=\"1\"/>"
                              u"</channel><item rdf:about=\"2\"><Item/></item></rdf:RDF>",
                              true));
-    EXPECT_EQ(doc.NodeName(Top()), u"rdf:RDF");
-    XmlNodeList items = doc.ElementsByTagName(u"item");
-    ASSERT_EQ(XmlDocument::ListLength(items), 2u);
-    EXPECT_EQ(Attribute(XmlDocument::ListNext(items), u"rdf:about"), u"1");
-    EXPECT_EQ(Attribute(XmlDocument::ListNext(items), u"RDF:ABOUT"), u"2");
-    EXPECT_FALSE(XmlDocument::ListNext(items));
-    EXPECT_EQ(XmlDocument::ListLength(doc.ElementsByTagName(u"rdf:RDF")), 1u);
-    EXPECT_EQ(XmlDocument::ListLength(doc.ElementsByTagName(u"RDF")), 0u);
+    EXPECT_EQ(Top().name(), u"rdf:RDF");
+    const std::vector<XmlNode> items = doc.ElementsByTagName(u"item");
+    ASSERT_EQ(items.size(), 2u);
+    EXPECT_EQ(Attribute(items[0], u"rdf:about"), u"1");
+    EXPECT_EQ(Attribute(items[1], u"RDF:ABOUT"), u"2");
+    EXPECT_EQ(doc.ElementsByTagName(u"rdf:RDF").size(), 1u);
+    EXPECT_EQ(doc.ElementsByTagName(u"RDF").size(), 0u);
 }
 
 TEST_F(XmlDocumentTest, WalkSkipsPrologueToTopElementAndVisitsEveryKindOfSibling) {
     ASSERT_TRUE(LoadBytes("<?xml version=\"1.0\"?>\n<!-- c --><?style x?>\n<!DOCTYPE rss>\n"
-                          "<rss> <a/><!--n--><b/></rss>"));
-    EXPECT_EQ(doc.NodeName(doc.RootNode()), u"#document");
-    EXPECT_EQ(doc.NodeName(Top()), u"rss");
+                          "<rss> <a/><!--n--><b/><?A x?><A/></rss>"));
+    EXPECT_EQ(doc.RootNode().name(), u"#document");
+    EXPECT_EQ(Top().name(), u"rss");
     std::u16string names;
-    for (XmlNode n = doc.FirstElementChild(Top()); n; n = doc.NextSibling(n)) {
-        names += doc.NodeName(n) + u" ";
+    for (const XmlNode n : Top().children()) {
+        names += n.name() + u" ";
     }
-    EXPECT_EQ(names, u"a #comment b ");
-    EXPECT_EQ(doc.NodeName(doc.NextSibling(doc.NextSibling(Top()))), u"");
+    EXPECT_EQ(names, u"a #comment b A A ");
+    names.clear();
+    for (const XmlNode n : Top().children(u"a")) {
+        names += n.name() + n.text() + u" ";
+    }
+    EXPECT_EQ(names, u"a Ax A ");
+    EXPECT_EQ(Top().nextSibling().nextSibling().name(), u"");
 }
 
 TEST_F(XmlDocumentTest, LoadTextNotesOnlyADoubleQuotedEncodingAndStripsTheDeclaration) {
     ASSERT_TRUE(
         doc.LoadText(u"<?xml version=\"1.0\" encoding=\"windows-1251\"?><rss>\u0416</rss>", true));
-    EXPECT_EQ(doc.codePage(), 1251);
-    EXPECT_EQ(doc.GetText(Top()), u"\u0416");
+    EXPECT_EQ(doc.declaredCodePage(), 1251);
+    EXPECT_EQ(Top().text(), u"\u0416");
     std::u16string encoding;
     EXPECT_FALSE(doc.ReadDeclaredEncoding(encoding));
 
     XmlDocument single;
     ASSERT_TRUE(single.LoadText(u"<?xml version='1.0' encoding='windows-1251'?><rss/>", true));
-    EXPECT_EQ(single.codePage(), 0);
+    EXPECT_EQ(single.declaredCodePage(), 0);
 
     // The declaration's encoding names bytes the text no longer has, so it never fails a parse.
     XmlDocument wide;
@@ -114,11 +114,11 @@ TEST_F(XmlDocumentTest, LoadTextNotesOnlyADoubleQuotedEncodingAndStripsTheDeclar
 TEST_F(XmlDocumentTest, LoadTextWithoutDeclarationNeedsAFeedWordOnlyWhenAsked) {
     EXPECT_FALSE(doc.LoadText(u"<html><body>Not here</body></html>", true));
     EXPECT_TRUE(doc.LoadText(u"<html><body>Not here</body></html>", false));
-    doc.setCodePage(932);
+    ASSERT_TRUE(doc.LoadText(u"<?xml version=\"1.0\" encoding=\"windows-932\"?><html/>", true));
     EXPECT_FALSE(doc.LoadText(u"<?xml version=\"1.0\" encoding=\"windows-1251\"<rss/>", true));
-    EXPECT_EQ(doc.codePage(), 932);
-    // A failed load keeps the previous document.
-    EXPECT_EQ(doc.NodeName(Top()), u"html");
+    // A failed load keeps the previous document and its code page.
+    EXPECT_EQ(doc.declaredCodePage(), 932);
+    EXPECT_EQ(Top().name(), u"html");
 }
 
 TEST_F(XmlDocumentTest, QuickTestRefusesNonFeedFilesAndPassesPagesMentioningFeed) {
@@ -158,16 +158,12 @@ TEST_F(XmlDocumentTest, SaveCreatesFoldersAndRoundTripsAnyCharacter) {
     EXPECT_NE(bytes.find(Utf16ToUtf8(u"\u041D\u043E\u0432")), std::string::npos);
     XmlDocument reread;
     ASSERT_TRUE(reread.LoadFile(PathOf("a/b/QFChannels.opml")));
-    XmlNodeList outlines = reread.ElementsByTagName(u"outline");
-    const XmlNode read = XmlDocument::ListNext(outlines);
-    std::u16string value;
-    EXPECT_TRUE(reread.GetAttribute(reread.Attributes(read), u"text", value));
-    EXPECT_EQ(value, title);
-    EXPECT_FALSE(reread.GetAttribute(reread.Attributes(read), u"userName", value));
-    EXPECT_FALSE(reread.ReadDeclaredEncoding(value));
-    EXPECT_TRUE(reread.GetAttribute(reread.Attributes(reread.FirstElementChild(reread.RootNode())),
-                                    u"title", value));
-    EXPECT_EQ(value, u"a\uFFFDb\uFFFDc");
+    const XmlNode read = reread.ElementsByTagName(u"outline").at(0);
+    EXPECT_EQ(read.attribute(u"text"), title);
+    EXPECT_FALSE(read.attribute(u"userName"));
+    std::u16string encoding;
+    EXPECT_FALSE(reread.ReadDeclaredEncoding(encoding));
+    EXPECT_EQ(reread.RootNode().firstElementChild().attribute(u"title"), u"a\uFFFDb\uFFFDc");
 }
 
 TEST_F(XmlDocumentTest, DeclaredEncodingsDecodeTheFileAndAreKeptOnSave) {
@@ -175,7 +171,7 @@ TEST_F(XmlDocumentTest, DeclaredEncodingsDecodeTheFileAndAreKeptOnSave) {
     const std::string cp1251 = "\xCD\xEE\xE2\xEE\xF1\xF2\xE8";
     ASSERT_TRUE(LoadBytes("<?xml version='1.0' encoding='windows-1251'?>\n<rss><title>" + cp1251 +
                           "</title><item/></rss>"));
-    EXPECT_EQ(doc.GetText(Child(Top(), u"title")), u"\u041D\u043E\u0432\u043E\u0441\u0442\u0438");
+    EXPECT_EQ(Child(Top(), u"title").text(), u"\u041D\u043E\u0432\u043E\u0441\u0442\u0438");
     std::u16string encoding;
     ASSERT_TRUE(doc.ReadDeclaredEncoding(encoding));
     EXPECT_EQ(encoding, u"windows-1251");
@@ -188,11 +184,11 @@ TEST_F(XmlDocumentTest, DeclaredEncodingsDecodeTheFileAndAreKeptOnSave) {
     EXPECT_NE(saved.find("qf_wasRead=\"yes\""), std::string::npos);
 
     ASSERT_TRUE(LoadBytes("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><rss>caf\xE9</rss>"));
-    EXPECT_EQ(doc.GetText(Top()), u"caf\u00E9");
+    EXPECT_EQ(Top().text(), u"caf\u00E9");
     // "ニュース" in Shift_JIS.
     ASSERT_TRUE(LoadBytes("<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>"
                           "<rss>\x83\x6A\x83\x85\x81\x5B\x83\x58</rss>"));
-    EXPECT_EQ(doc.GetText(Top()), u"\u30CB\u30E5\u30FC\u30B9");
+    EXPECT_EQ(Top().text(), u"\u30CB\u30E5\u30FC\u30B9");
     ASSERT_TRUE(doc.ReadDeclaredEncoding(encoding));
     EXPECT_EQ(encoding, u"Shift_JIS");
 }
@@ -210,13 +206,13 @@ TEST_F(XmlDocumentTest, ExternalEntitiesAndDtdsAreNeverRead) {
     };
     for (const std::string& bytes : documents) {
         if (LoadBytes(bytes)) {
-            EXPECT_EQ(doc.GetText(Top()).find(u"MARKER"), std::u16string::npos) << bytes;
+            EXPECT_EQ(Top().text().find(u"MARKER"), std::u16string::npos) << bytes;
             EXPECT_EQ(Attribute(Child(Top(), u"t"), u"a").find(u"MARKER"), std::u16string::npos);
             ASSERT_TRUE(doc.Save(PathOf("saved.xml")));
             EXPECT_EQ(test::ReadFileBytes(dir / "saved.xml").find("MARKER"), std::string::npos);
         }
         if (doc.LoadText(Utf8ToUtf16(bytes), true)) {
-            EXPECT_EQ(doc.GetText(Top()).find(u"MARKER"), std::u16string::npos) << bytes;
+            EXPECT_EQ(Top().text().find(u"MARKER"), std::u16string::npos) << bytes;
         }
     }
 }
@@ -249,7 +245,7 @@ TEST_F(XmlDocumentTest, EntityExpansionStaysBounded) {
 
     // Modest expansion is ordinary text.
     ASSERT_TRUE(LoadBytes(Laughs(1, "<t a=\"&l1;\">&l1;&l1;</t>")));
-    EXPECT_EQ(doc.GetText(Child(Top(), u"t")).size(), 60u);
+    EXPECT_EQ(Child(Top(), u"t").text().size(), 60u);
     EXPECT_EQ(Attribute(Child(Top(), u"t"), u"a").size(), 30u);
 }
 
@@ -263,7 +259,7 @@ TEST_F(XmlDocumentTest, HugeTextIsReadWhole) {
         text += line;
     }
     ASSERT_TRUE(LoadBytes("<rss><description>" + text + "</description></rss>"));
-    const std::u16string read = doc.GetText(Child(Top(), u"description"));
+    const std::u16string read = Child(Top(), u"description").text();
     EXPECT_EQ(read.size(), 99u * 110000); // over ten million characters
     EXPECT_EQ(read.substr(read.size() - 3), u"x&\n");
 }
