@@ -1,6 +1,6 @@
 #include "parse/XmlWriter.h"
 
-#include "parse/XmlText.h"
+#include "platform/Text.h"
 
 #include <charconv>
 #include <iterator>
@@ -57,7 +57,7 @@ void XmlWriter::CloseStartTag() {
 void XmlWriter::StartElement(std::u16string_view name) {
     CloseStartTag();
     std::string utf8;
-    AppendXmlUtf8(utf8, name);
+    AppendUtf8(utf8, name, Utf8Use::kXml);
     text_.push_back('<');
     text_ += utf8;
     open_.push_back(std::move(utf8));
@@ -75,7 +75,7 @@ bool XmlWriter::StartAttribute(std::u16string_view name) {
         return false;
     }
     text_.push_back(' ');
-    AppendXmlUtf8(text_, name);
+    AppendUtf8(text_, name, Utf8Use::kXml);
     text_ += "=\"";
     return true;
 }
@@ -85,7 +85,7 @@ void XmlWriter::Attribute(std::u16string_view name, std::u16string_view value) {
         return;
     }
     scratch_.clear();
-    AppendXmlUtf8(scratch_, value);
+    AppendUtf8(scratch_, value, Utf8Use::kXml);
     AppendEscapedAttribute(text_, scratch_);
     text_.push_back('"');
 }
