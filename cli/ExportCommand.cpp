@@ -12,57 +12,48 @@ namespace qf::cli {
 
 namespace {
 
-// Text made safe for a double-quoted XML attribute. Characters XML cannot carry become U+FFFD;
-// tabs and line breaks are written as references so that readers keep them.
-std::string Attribute(const WString& text) {
-    std::string carried;
-    for (const char c : text.toUtf8()) {
-        const bool control =
-            static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-        carried += control ? std::string("\xEF\xBF\xBD") : std::string(1, c);
-    }
-    std::string out;
-    AppendEscapedAttribute(out, carried);
-    return out;
+// A channel without a title is shown by its address, as every reader needs some text. Empty
+// values are written all the same, so that every outline has its text.
+void WriteChannel(XmlWriter& writer, const Channel& channel) {
+    const std::u16string_view text =
+        channel.title().empty() ? channel.xmlUrl().view() : channel.title().view();
+    writer.StartElement(u"outline");
+    writer.Attribute(u"type", u"rss");
+    writer.Attribute(u"text", text);
+    writer.Attribute(u"title", text);
+    writer.Attribute(u"xmlUrl", channel.xmlUrl().view());
+    writer.EndElement();
 }
 
-// A channel without a title is shown by its address, as every reader needs some text.
-void AppendChannel(std::string& out, const Channel& channel) {
-    const std::string text =
-        Attribute(channel.title().empty() ? channel.xmlUrl() : channel.title());
-    out.append(R"(      <outline type="rss" text=")")
-        .append(text)
-        .append(R"(" title=")")
-        .append(text)
-        .append(R"(" xmlUrl=")")
-        .append(Attribute(channel.xmlUrl()))
-        .append("\"/>\n");
+// A category is a folder outline, written with an end tag even when it holds no channel.
+void WriteCategory(XmlWriter& writer, const Category& category) {
+    writer.StartElement(u"outline");
+    writer.Attribute(u"text", category.name().view());
+    writer.Attribute(u"title", category.name().view());
+    writer.EndAttributes();
+    for (const auto& channel : category.channels()) {
+        WriteChannel(writer, *channel);
+    }
+    writer.EndElement();
 }
 
 // The subscriptions as OPML 2.0 for other feed readers: a folder outline per category, and for
 // each channel its title and address, never its credentials.
 std::string ExportOpml(const ChannelStore& store) {
-    std::string out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                      "<opml version=\"2.0\">\n"
-                      "  <head>\n"
-                      "    <title>Quillfeed subscriptions</title>\n"
-                      "  </head>\n"
-                      "  <body>\n";
+    XmlWriter writer(XmlWriter::Layout::kIndented);
+    writer.StartElement(u"opml");
+    writer.Attribute(u"version", u"2.0");
+    writer.StartElement(u"head");
+    writer.StartElement(u"title");
+    writer.Text(u"Quillfeed subscriptions");
+    writer.EndElement();
+    writer.EndElement();
+    writer.StartElement(u"body");
+    writer.EndAttributes();
     for (const auto& category : store.categories()) {
-        const std::string name = Attribute(category->name());
-        out.append(R"(    <outline text=")")
-            .append(name)
-            .append(R"(" title=")")
-            .append(name)
-            .append("\">\n");
-        for (const auto& channel : category->channels()) {
-            AppendChannel(out, *channel);
-        }
-        out += "    </outline>\n";
+        WriteCategory(writer, *category);
     }
-    out += "  </body>\n"
-           "</opml>\n";
-    return out;
+    return writer.Finish();
 }
 
 class ExportCommand : public Command {

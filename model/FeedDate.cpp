@@ -115,13 +115,6 @@ int64_t Advance(int64_t ticks, int64_t count, int64_t unitTicks) {
     return std::clamp<int64_t>(ticks + count * unitTicks, 0, kMaxTicks);
 }
 
-// Day, month and zone names are English, so only ASCII letters fold.
-bool EqualsIgnoreAsciiCase(std::string_view a, std::string_view b) {
-    const auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
-                                              [&](char x, char y) { return fold(x) == fold(y); });
-}
-
 // Hours to add to the device's clock reading to correct a summer zone: the daylight bias in
 // whole hours while the device itself is in summer time, otherwise nothing.
 int DeviceDaylightHours() {
@@ -329,7 +322,7 @@ SystemTime FeedDate::NowLocal() {
 
 int FeedDate::MonthNumber(std::string_view name) {
     for (std::size_t i = 0; i < kMonthNames.size(); ++i) {
-        if (EqualsIgnoreAsciiCase(name, kMonthNames[i])) {
+        if (EqualsIgnoreCase(name, kMonthNames[i])) {
             return static_cast<int>(i) + 1;
         }
     }
@@ -355,7 +348,7 @@ int FeedDate::ZoneHours(std::string_view zone) {
                                                   {"PST", 8, false},
                                                   {"PDT", 8, true}}};
     for (const Zone& entry : kZones) {
-        if (EqualsIgnoreAsciiCase(zone, entry.name)) {
+        if (EqualsIgnoreCase(zone, entry.name)) {
             return entry.hours + (entry.summer ? DeviceDaylightHours() : 0);
         }
     }

@@ -331,9 +331,8 @@ void SetCertificateChecks(CURL* easy, CertificatePolicy& policy) {
 } // namespace
 
 std::optional<std::string_view> ResponseHead::Header(std::string_view name) const {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
     for (const auto& [key, value] : headers) {
-        if (std::ranges::equal(key, name, {}, lower, lower)) {
+        if (EqualsIgnoreCase(key, name)) {
             return value;
         }
     }

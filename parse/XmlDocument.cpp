@@ -2,7 +2,6 @@
 
 #include "parse/Charset.h"
 #include "parse/FeedSniff.h"
-#include "parse/XmlText.h"
 #include "platform/AtomicFile.h"
 #include "platform/Files.h"
 #include "platform/Folders.h"
@@ -12,7 +11,6 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
-#include <cstring>
 #include <filesystem>
 #include <libxml/SAX2.h>
 #include <libxml/dict.h>
@@ -113,98 +111,28 @@ const xmlChar* XmlChars(const std::string& text) {
     return reinterpret_cast<const xmlChar*>(text.c_str());
 }
 
-// Copies the run of ASCII bytes that starts at `src`, eight at a time while it lasts: feed text
-// is mostly ASCII, and this is where reading a large feed spends its time.
-const unsigned char* CopyAsciiRun(const unsigned char* src, const unsigned char* end,
-                                  char16_t*& dst) {
-    constexpr uint64_t kHighBits = 0x8080808080808080ULL;
-    constexpr std::ptrdiff_t kBlock = sizeof(uint64_t);
-    while (end - src >= kBlock) {
-        uint64_t block = 0;
-        std::memcpy(&block, src, kBlock);
-        if ((block & kHighBits) != 0) {
-            break;
-        }
-        for (std::ptrdiff_t k = 0; k < kBlock; ++k) {
-            dst[k] = src[k];
-        }
-        src += kBlock;
-        dst += kBlock;
-    }
-    while (src < end && *src < 0x80) {
-        *dst++ = *src++;
-    }
-    return src;
-}
-
-// Appends UTF-8 text as UTF-16. The tree holds valid UTF-8, so this is a plain decoder with a
-// fast path for ASCII; a malformed byte still becomes U+FFFD rather than a read past the end.
-void AppendUtf8(std::u16string& out, std::string_view utf8) {
-    const std::size_t start = out.size();
-    out.resize(start + utf8.size()); // never more UTF-16 units than UTF-8 bytes
-    char16_t* dst = out.data() + start;
-    const auto* src = reinterpret_cast<const unsigned char*>(utf8.data());
-    const auto* end = src + utf8.size();
-    while (src < end) {
-        if (*src < 0x80) {
-            src = CopyAsciiRun(src, end, dst);
-            continue;
-        }
-        const int extra = *src >= 0xF0 ? 3 : *src >= 0xE0 ? 2 : *src >= 0xC0 ? 1 : 0;
-        char32_t cp = *src & (0x3F >> extra);
-        bool valid = extra > 0 && end - src > extra;
-        for (int k = 1; valid && k <= extra; ++k) {
-            valid = (src[k] & 0xC0) == 0x80;
-            cp = (cp << 6) | (src[k] & 0x3F);
-        }
-        if (!valid || cp > 0x10FFFF) {
-            *dst++ = 0xFFFD;
-            ++src;
-            continue;
-        }
-        src += extra + 1;
-        if (cp >= 0x10000) {
-            cp -= 0x10000;
-            *dst++ = static_cast<char16_t>(0xD800 + (cp >> 10));
-            *dst++ = static_cast<char16_t>(0xDC00 + (cp & 0x3FF));
-        } else {
-            *dst++ = static_cast<char16_t>(cp);
-        }
-    }
-    out.resize(static_cast<std::size_t>(dst - out.data()));
-}
-
 std::u16string FromUtf8(const xmlChar* text) {
-    std::u16string out;
-    AppendUtf8(out, View(text));
-    return out;
+    return Utf8ToUtf16(View(text));
 }
 
 // "prefix:local" of an element or attribute.
 void AppendQualifiedName(std::u16string& out, const xmlNs* ns, const xmlChar* local) {
     if (ns != nullptr && ns->prefix != nullptr) {
-        AppendUtf8(out, View(ns->prefix));
+        AppendUtf16(out, View(ns->prefix));
         out.push_back(u':');
     }
-    AppendUtf8(out, View(local));
+    AppendUtf16(out, View(local));
 }
 
-// A quick test before the exact one: an ASCII name without prefix that does not equal `name`
-// ignoring case is told apart without decoding it. Anything else may still be equal.
-bool QualifiedNameMayEqual(const xmlNs* ns, const xmlChar* local, std::u16string_view name) {
+// A quick test before the exact one: an ASCII name without prefix is compared as it is held,
+// without decoding it. Anything else may still be equal.
+bool QualifiedNameMayEqual(const xmlNs* ns, const xmlChar* local, std::string_view utf8Name) {
     if (ns != nullptr && ns->prefix != nullptr) {
         return true;
     }
-    for (const char16_t wanted : name) {
-        const char16_t c = *local++;
-        if (c >= 0x80) {
-            return true;
-        }
-        if (c == 0 || (c != wanted && FoldCase(c) != FoldCase(wanted))) {
-            return false;
-        }
-    }
-    return *local == 0;
+    const std::string_view name = View(local);
+    return std::ranges::any_of(name, [](char c) { return (c & 0x80) != 0; }) ||
+           EqualsIgnoreCase(name, utf8Name);
 }
 
 bool QualifiedNameIs(const xmlNode* node, std::string_view name) {
@@ -230,7 +158,7 @@ void AppendDescendantText(std::u16string& out, const xmlNode* node) {
         switch (node->type) {
         case XML_TEXT_NODE:
         case XML_CDATA_SECTION_NODE:
-            AppendUtf8(out, View(node->content));
+            AppendUtf16(out, View(node->content));
             break;
         case XML_ELEMENT_NODE:
             AppendDescendantText(out, node->children);
@@ -600,7 +528,7 @@ std::u16string XmlNode::name() const {
     case XML_PI_NODE:
     case XML_ENTITY_REF_NODE:
     case XML_DTD_NODE:
-        AppendUtf8(name, View(node_->name));
+        AppendUtf16(name, View(node_->name));
         break;
     default:
         break;
@@ -631,7 +559,7 @@ std::u16string XmlNode::text() const {
     case XML_CDATA_SECTION_NODE:
     case XML_COMMENT_NODE:
     case XML_PI_NODE:
-        AppendUtf8(text, View(node_->content));
+        AppendUtf16(text, View(node_->content));
         break;
     default:
         break;
@@ -643,10 +571,11 @@ std::optional<std::u16string> XmlNode::attribute(std::u16string_view name) const
     if (node_ == nullptr || node_->type != XML_ELEMENT_NODE) {
         return std::nullopt;
     }
+    const std::string utf8Name = Utf16ToUtf8(name);
     std::u16string candidate;
     for (const xmlAttr* attribute = node_->properties; attribute != nullptr;
          attribute = attribute->next) {
-        if (!QualifiedNameMayEqual(attribute->ns, attribute->name, name)) {
+        if (!QualifiedNameMayEqual(attribute->ns, attribute->name, utf8Name)) {
             continue;
         }
         candidate.clear();
@@ -673,7 +602,7 @@ bool XmlDocument::SetAttribute(XmlNode node, std::u16string_view name, const WSt
     // allocations.
     thread_local std::string xmlValue;
     xmlValue.clear();
-    AppendXmlUtf8(xmlValue, value.view());
+    AppendUtf8(xmlValue, value.view(), Utf8Use::kXml);
     return xmlSetProp(element, XmlChars(xmlName), XmlChars(xmlValue)) != nullptr;
 }
 

@@ -1,6 +1,6 @@
 #include "parse/XmlWriter.h"
 
-#include "parse/XmlText.h"
+#include "platform/Text.h"
 
 #include <charconv>
 #include <iterator>
@@ -10,42 +10,48 @@ namespace qf {
 namespace {
 
 constexpr std::string_view kDeclaration = "<?xml version=\"1.0\"?>\n";
+constexpr std::string_view kUtf8Declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+constexpr std::size_t kIndentWidth = 2;
 
-} // namespace
+// Markup characters become entities, as the XML library's serialiser writes them, so that both
+// write the same bytes. In an attribute value so do the double quote, tabs and line breaks,
+// which a reader would otherwise take for the end of the value or for spaces.
+std::string_view Escaped(char c, bool inAttribute) {
+    switch (c) {
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '&':
+        return "&amp;";
+    case '\r':
+        return "&#13;";
+    case '"':
+        return inAttribute ? "&quot;" : "";
+    case '\n':
+        return inAttribute ? "&#10;" : "";
+    case '\t':
+        return inAttribute ? "&#9;" : "";
+    default:
+        return "";
+    }
+}
 
-// Written as the XML library's serialiser does, so that both write the same bytes.
-void AppendEscapedAttribute(std::string& out, std::string_view utf8) {
+void AppendEscaped(std::string& out, std::string_view utf8, bool inAttribute) {
     for (const char c : utf8) {
-        switch (c) {
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '&':
-            out += "&amp;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        case '\n':
-            out += "&#10;";
-            break;
-        case '\r':
-            out += "&#13;";
-            break;
-        case '\t':
-            out += "&#9;";
-            break;
-        default:
+        const std::string_view escaped = Escaped(c, inAttribute);
+        if (escaped.empty()) {
             out.push_back(c);
-            break;
+        } else {
+            out += escaped;
         }
     }
 }
 
-XmlWriter::XmlWriter() : text_(kDeclaration) {}
+} // namespace
+
+XmlWriter::XmlWriter(Layout layout)
+    : layout_(layout), text_(layout == Layout::kIndented ? kUtf8Declaration : kDeclaration) {}
 
 void XmlWriter::CloseStartTag() {
     if (startTagOpen_) {
@@ -54,14 +60,26 @@ void XmlWriter::CloseStartTag() {
     }
 }
 
+void XmlWriter::StartLine(std::size_t depth) {
+    if (layout_ == Layout::kIndented) {
+        text_.push_back('\n');
+        text_.append(depth * kIndentWidth, ' ');
+    }
+}
+
 void XmlWriter::StartElement(std::u16string_view name) {
     CloseStartTag();
     std::string utf8;
-    AppendXmlUtf8(utf8, name);
+    AppendUtf8(utf8, name, Utf8Use::kXml);
+    // The root follows the declaration's own line break.
+    if (!open_.empty()) {
+        StartLine(open_.size());
+    }
     text_.push_back('<');
     text_ += utf8;
     open_.push_back(std::move(utf8));
     startTagOpen_ = true;
+    holdsText_ = false;
 }
 
 void XmlWriter::Attribute(std::u16string_view name, const WString& value) {
@@ -75,7 +93,7 @@ bool XmlWriter::StartAttribute(std::u16string_view name) {
         return false;
     }
     text_.push_back(' ');
-    AppendXmlUtf8(text_, name);
+    AppendUtf8(text_, name, Utf8Use::kXml);
     text_ += "=\"";
     return true;
 }
@@ -85,8 +103,8 @@ void XmlWriter::Attribute(std::u16string_view name, std::u16string_view value) {
         return;
     }
     scratch_.clear();
-    AppendXmlUtf8(scratch_, value);
-    AppendEscapedAttribute(text_, scratch_);
+    AppendUtf8(scratch_, value, Utf8Use::kXml);
+    AppendEscaped(text_, scratch_, /*inAttribute=*/true);
     text_.push_back('"');
 }
 
@@ -100,6 +118,21 @@ void XmlWriter::Attribute(std::u16string_view name, int32_t decimal) {
     text_.push_back('"');
 }
 
+void XmlWriter::EndAttributes() {
+    CloseStartTag();
+}
+
+void XmlWriter::Text(std::u16string_view text) {
+    if (open_.empty()) {
+        return;
+    }
+    CloseStartTag();
+    scratch_.clear();
+    AppendUtf8(scratch_, text, Utf8Use::kXml);
+    AppendEscaped(text_, scratch_, /*inAttribute=*/false);
+    holdsText_ = true;
+}
+
 void XmlWriter::EndElement() {
     if (open_.empty()) {
         return;
@@ -108,11 +141,15 @@ void XmlWriter::EndElement() {
         text_ += "/>";
         startTagOpen_ = false;
     } else {
+        if (!holdsText_) {
+            StartLine(open_.size() - 1);
+        }
         text_ += "</";
         text_ += open_.back();
         text_.push_back('>');
     }
     open_.pop_back();
+    holdsText_ = false;
 }
 
 std::string XmlWriter::Finish() {

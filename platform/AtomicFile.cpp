@@ -1,5 +1,6 @@
 #include "platform/AtomicFile.h"
 
+#include "platform/FileDescriptor.h"
 #include "platform/TempFile.h"
 #include "platform/Text.h"
 
@@ -12,28 +13,6 @@
 namespace qf {
 
 namespace {
-
-// Closes a file descriptor when it goes out of scope.
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int fd) : fd_(fd) {}
-    ~FileDescriptor() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-        }
-    }
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    int get() const { return fd_; }
-    bool close() {
-        const int fd = fd_;
-        fd_ = -1;
-        return ::close(fd) == 0;
-    }
-
-private:
-    int fd_;
-};
 
 bool WriteAll(int fd, std::string_view bytes) {
     while (!bytes.empty()) {
@@ -51,7 +30,7 @@ bool WriteAll(int fd, std::string_view bytes) {
 
 void SyncFolder(const std::filesystem::path& folder) {
     FileDescriptor dir(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY));
-    if (dir.get() >= 0) {
+    if (dir.valid()) {
         ::fsync(dir.get());
     }
 }
@@ -61,7 +40,7 @@ void SyncFolder(const std::filesystem::path& folder) {
 bool WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
     std::string temp = path.string() + std::string(kPartSuffix) + "XXXXXX";
     FileDescriptor fd(::mkstemp(temp.data()));
-    if (fd.get() < 0) {
+    if (!fd.valid()) {
         return false;
     }
     // mkstemp makes the file readable by its owner only, which suits a store that holds channel
@@ -71,7 +50,7 @@ bool WriteFileAtomically(const std::filesystem::path& path, std::string_view byt
         ::fchmod(fd.get(), old.st_mode & 07777);
     }
     const bool written = WriteAll(fd.get(), bytes) && ::fsync(fd.get()) == 0;
-    if (!fd.close() || !written || ::rename(temp.c_str(), path.c_str()) != 0) {
+    if (!fd.Close() || !written || ::rename(temp.c_str(), path.c_str()) != 0) {
         ::unlink(temp.c_str());
         return false;
     }

@@ -270,8 +270,7 @@ const Converter& ConverterFor(int32_t codePage) {
 
 bool DefaultCharsetIsUtf8() {
     const std::string name = DefaultCharsetName();
-    const std::u16string wide = AsciiToUtf16(name);
-    return EqualsIgnoreCase(wide, u"UTF-8") || EqualsIgnoreCase(wide, u"UTF8") ||
+    return EqualsIgnoreCase(name, "UTF-8") || EqualsIgnoreCase(name, "UTF8") ||
            FindConverter(name) == nullptr;
 }
 

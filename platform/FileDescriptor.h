@@ -28,6 +28,9 @@ public:
         }
         fd_ = fd;
     }
+    // Closes now and tells whether the close succeeded: a file just written may report a lost
+    // write only here.
+    bool Close() { return ::close(std::exchange(fd_, -1)) == 0; }
 
 private:
     int fd_;

@@ -1,6 +1,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 namespace qf {
@@ -104,11 +105,32 @@ bool EqualsIgnoreCase(std::u16string_view a, std::u16string_view b) {
                       [](char16_t x, char16_t y) { return x == y || FoldCase(x) == FoldCase(y); });
 }
 
+bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
+    const auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return std::ranges::equal(a, b, {}, fold, fold);
+}
+
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-void AppendUtf8(std::string& out, char32_t cp) {
+bool IsHighSurrogate(char32_t c) {
+    return c >= 0xD800 && c <= 0xDBFF;
+}
+
+bool IsLowSurrogate(char32_t c) {
+    return c >= 0xDC00 && c <= 0xDFFF;
+}
+
+bool IsSurrogate(char32_t c) {
+    return c >= 0xD800 && c <= 0xDFFF;
+}
+
+bool XmlCarries(char32_t c) {
+    return c >= 0x20 ? c != 0xFFFE && c != 0xFFFF : c == '\t' || c == '\n' || c == '\r';
+}
+
+void PutUtf8(std::string& out, char32_t cp) {
     if (cp < 0x80) {
         out.push_back(static_cast<char>(cp));
     } else if (cp < 0x800) {
@@ -126,23 +148,46 @@ void AppendUtf8(std::string& out, char32_t cp) {
     }
 }
 
-void AppendUtf16(std::u16string& out, char32_t cp) {
+char16_t* PutUtf16(char16_t* dst, char32_t cp) {
     if (cp < 0x10000) {
-        out.push_back(static_cast<char16_t>(cp));
+        *dst++ = static_cast<char16_t>(cp);
     } else {
         cp -= 0x10000;
-        out.push_back(static_cast<char16_t>(0xD800 + (cp >> 10)));
-        out.push_back(static_cast<char16_t>(0xDC00 + (cp & 0x3FF)));
+        *dst++ = static_cast<char16_t>(0xD800 + (cp >> 10));
+        *dst++ = static_cast<char16_t>(0xDC00 + (cp & 0x3FF));
     }
+    return dst;
 }
 
-// Decodes one UTF-8 sequence at `i`, advancing it; malformed input yields U+FFFD and skips one
-// byte, so that the decoder always makes progress.
-char32_t DecodeUtf8(std::string_view s, std::size_t& i) {
-    const auto lead = static_cast<unsigned char>(s[i++]);
-    if (lead < 0x80) {
-        return lead;
+// Copies the run of ASCII bytes that starts at `src`, eight at a time while it lasts: feed text
+// is mostly ASCII, and this is where reading a large feed spends its time.
+const unsigned char* CopyAsciiRun(const unsigned char* src, const unsigned char* end,
+                                  char16_t*& dst) {
+    constexpr uint64_t kHighBits = 0x8080808080808080ULL;
+    constexpr std::ptrdiff_t kBlock = sizeof(uint64_t);
+    while (end - src >= kBlock) {
+        uint64_t block = 0;
+        std::memcpy(&block, src, kBlock);
+        if ((block & kHighBits) != 0) {
+            break;
+        }
+        for (std::ptrdiff_t k = 0; k < kBlock; ++k) {
+            dst[k] = src[k];
+        }
+        src += kBlock;
+        dst += kBlock;
     }
+    while (src < end && *src < 0x80) {
+        *dst++ = *src++;
+    }
+    return src;
+}
+
+// Decodes the sequence of two to four bytes at `src` and moves past it. Anything but a
+// well-formed shortest sequence of a scalar value yields U+FFFD and moves past its first byte
+// only, so that the decoder always makes progress and resynchronises on the next byte.
+char32_t DecodeSequence(const unsigned char*& src, const unsigned char* end) {
+    const unsigned char lead = *src;
     int extra = 0;
     char32_t cp = 0;
     char32_t min = 0;
@@ -152,48 +197,65 @@ char32_t DecodeUtf8(std::string_view s, std::size_t& i) {
         extra = 2, cp = lead & 0x0F, min = 0x800;
     } else if ((lead & 0xF8) == 0xF0) {
         extra = 3, cp = lead & 0x07, min = 0x10000;
-    } else {
+    }
+    bool valid = extra > 0 && end - src > extra;
+    for (int k = 1; valid && k <= extra; ++k) {
+        valid = (src[k] & 0xC0) == 0x80;
+        cp = (cp << 6) | (src[k] & 0x3F);
+    }
+    if (!valid || cp < min || cp > 0x10FFFF || IsSurrogate(cp)) {
+        ++src;
         return kReplacement;
     }
-    const std::size_t start = i;
-    for (int k = 0; k < extra; ++k) {
-        if (i >= s.size() || (static_cast<unsigned char>(s[i]) & 0xC0) != 0x80) {
-            i = start;
-            return kReplacement;
-        }
-        cp = (cp << 6) | (static_cast<unsigned char>(s[i++]) & 0x3F);
-    }
-    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
-        i = start;
-        return kReplacement;
-    }
+    src += extra + 1;
     return cp;
 }
 
 } // namespace
 
+void AppendUtf16(std::u16string& out, std::string_view utf8) {
+    const std::size_t start = out.size();
+    out.resize(start + utf8.size()); // never more UTF-16 units than UTF-8 bytes
+    char16_t* dst = out.data() + start;
+    const auto* src = reinterpret_cast<const unsigned char*>(utf8.data());
+    const auto* const end = src + utf8.size();
+    while (src < end) {
+        if (*src < 0x80) {
+            src = CopyAsciiRun(src, end, dst);
+        } else {
+            dst = PutUtf16(dst, DecodeSequence(src, end));
+        }
+    }
+    out.resize(static_cast<std::size_t>(dst - out.data()));
+}
+
 std::u16string Utf8ToUtf16(std::string_view utf8) {
     std::u16string out;
-    out.reserve(utf8.size());
-    for (std::size_t i = 0; i < utf8.size();) {
-        AppendUtf16(out, DecodeUtf8(utf8, i));
-    }
+    AppendUtf16(out, utf8);
     return out;
+}
+
+void AppendUtf8(std::string& out, std::u16string_view utf16, Utf8Use use) {
+    const bool xml = use == Utf8Use::kXml;
+    for (std::size_t i = 0; i < utf16.size(); ++i) {
+        char32_t cp = utf16[i];
+        if (cp < 0x80 && (!xml || XmlCarries(cp))) {
+            out.push_back(static_cast<char>(cp));
+            continue;
+        }
+        if (IsHighSurrogate(cp) && i + 1 < utf16.size() && IsLowSurrogate(utf16[i + 1])) {
+            cp = 0x10000 + ((cp - 0xD800) << 10) + (utf16[++i] - 0xDC00);
+        } else if (IsSurrogate(cp) || (xml && !XmlCarries(cp))) {
+            cp = kReplacement;
+        }
+        PutUtf8(out, cp);
+    }
 }
 
 std::string Utf16ToUtf8(std::u16string_view utf16) {
     std::string out;
     out.reserve(utf16.size());
-    for (std::size_t i = 0; i < utf16.size(); ++i) {
-        char32_t cp = utf16[i];
-        if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < utf16.size() && utf16[i + 1] >= 0xDC00 &&
-            utf16[i + 1] <= 0xDFFF) {
-            cp = 0x10000 + ((cp - 0xD800) << 10) + (utf16[++i] - 0xDC00);
-        } else if (cp >= 0xD800 && cp <= 0xDFFF) {
-            cp = kReplacement;
-        }
-        AppendUtf8(out, cp);
-    }
+    AppendUtf8(out, utf16);
     return out;
 }
 

@@ -43,5 +43,31 @@ TEST(XmlWriter, WritesTheBytesASavedTreeWouldHave) {
     EXPECT_EQ(writer.Finish(), test::ReadFileBytes(dir / "tree.xml"));
 }
 
+// Files for other programs: a line per tag, an element kept open by EndAttributes gets its own
+// end tag even when empty, and text stays on the line of its element.
+TEST(XmlWriter, IndentedLayoutPutsEveryTagOnItsOwnLine) {
+    XmlWriter writer(XmlWriter::Layout::kIndented);
+    writer.StartElement(u"opml");
+    writer.StartElement(u"title");
+    writer.Text(u"a<&>\"\tb");
+    writer.EndElement();
+    writer.StartElement(u"body");
+    writer.EndAttributes();
+    writer.StartElement(u"outline");
+    writer.Attribute(u"text", u"x");
+    writer.EndAttributes();
+    writer.EndElement();
+    writer.StartElement(u"outline");
+    EXPECT_EQ(writer.Finish(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                               "<opml>\n"
+                               "  <title>a&lt;&amp;&gt;\"\tb</title>\n"
+                               "  <body>\n"
+                               "    <outline text=\"x\">\n"
+                               "    </outline>\n"
+                               "    <outline/>\n"
+                               "  </body>\n"
+                               "</opml>\n");
+}
+
 } // namespace
 } // namespace qf

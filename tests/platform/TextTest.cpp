@@ -42,7 +42,7 @@ TEST(LeadingDecimal, ReadsLeadingDigitsOnly) {
     EXPECT_EQ(LeadingDecimal(u"-99999999999"), -2147483647 - 1);
 }
 
-TEST(EqualsIgnoreCase, FoldsLatinCyrillicAndGreekLetters) {
+TEST(EqualsIgnoreCase, FoldsLettersOfTextButOnlyAsciiLettersOfBytes) {
     EXPECT_TRUE(EqualsIgnoreCase(u"RSS", u"rss"));
     EXPECT_TRUE(EqualsIgnoreCase(u"НОВОСТИ", u"новости"));
     EXPECT_TRUE(EqualsIgnoreCase(u"Ёж", u"ёж"));
@@ -51,15 +51,57 @@ TEST(EqualsIgnoreCase, FoldsLatinCyrillicAndGreekLetters) {
     EXPECT_FALSE(EqualsIgnoreCase(u"rss", u"rdf"));
     EXPECT_FALSE(EqualsIgnoreCase(u"rss", u"rss "));
     EXPECT_FALSE(EqualsIgnoreCase(u"×", u"÷"));
+
+    EXPECT_TRUE(EqualsIgnoreCase("Content-LENGTH", "content-length"));
+    EXPECT_FALSE(EqualsIgnoreCase("\xc3\x89", "\xc3\xa9")); // É and é as UTF-8
+    EXPECT_FALSE(EqualsIgnoreCase("utf-8", "utf8"));
 }
 
-TEST(Utf8, RoundTripsAndReplacesBrokenInput) {
+// Every byte that does not start a well-formed shortest sequence becomes one U+FFFD, and
+// decoding carries on with the next byte. ASCII runs longer than a block of the fast copy, and
+// a block broken by a character beyond ASCII, decode like any other text.
+TEST(Utf8, DecodesWellFormedTextAndReplacesEachBrokenByte) {
+    const struct {
+        std::string_view utf8;
+        std::u16string_view utf16;
+    } kCases[] = {
+        {"Z\xc3\xbcrich \xe6\x9d\xb1 \xf0\x9f\x98\x80", u"Zürich 東 \U0001F600"},
+        {"\xf4\x8f\xbf\xbf", u"\U0010FFFF"},
+        {"a\xff"
+         "b",
+         u"a\uFFFDb"},
+        {"\xe6\x9d", u"\uFFFD\uFFFD"},
+        {"\xe6\x9d"
+         "x",
+         u"\uFFFD\uFFFDx"},
+        {"\xc0\xaf", u"\uFFFD\uFFFD"},                     // overlong "/"
+        {"\xe0\x80\xaf", u"\uFFFD\uFFFD\uFFFD"},           // overlong "/"
+        {"\xed\xa0\x80", u"\uFFFD\uFFFD\uFFFD"},           // a surrogate
+        {"\xf4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"}, // beyond U+10FFFF
+        {"\xf8\x88\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"}, // no such lead byte
+        {"0123456789abcdef\xc3\xa9", u"0123456789abcdefé"},
+        {"0123456\xc3\xa9"
+         "0123456789",
+         u"0123456é0123456789"},
+    };
+    for (const auto& c : kCases) {
+        EXPECT_EQ(Utf8ToUtf16(c.utf8), c.utf16) << c.utf8;
+    }
     const std::u16string text = u"Zürich 東京 \U0001F600";
     EXPECT_EQ(Utf8ToUtf16(Utf16ToUtf8(text)), text);
-    EXPECT_EQ(Utf8ToUtf16("a\xff"
-                          "b"),
-              u"a\uFFFDb");
-    EXPECT_EQ(Utf8ToUtf16("\xe6\x9d"), u"\uFFFD\uFFFD");
+}
+
+TEST(Utf8, EncodesUnpairedSurrogatesAndForXmlAlsoWhatXmlCannotHold) {
+    const std::u16string text = std::u16string(u"a\t\n\r") + char16_t(0) + u"\a\x7f" +
+                                char16_t(0xD800) + u"\U0001F600" + char16_t(0xDC00) +
+                                u"\uFFFE\uFFFF";
+    EXPECT_EQ(Utf16ToUtf8(text),
+              std::string("a\t\n\r\0\a\x7f", 7) +
+                  "\xef\xbf\xbd\xf0\x9f\x98\x80\xef\xbf\xbd\xef\xbf\xbe\xef\xbf\xbf");
+    std::string xml = "kept ";
+    AppendUtf8(xml, text, Utf8Use::kXml);
+    EXPECT_EQ(xml, "kept a\t\n\r\xef\xbf\xbd\xef\xbf\xbd\x7f\xef\xbf\xbd\xf0\x9f\x98\x80"
+                   "\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd");
 }
 
 } // namespace
