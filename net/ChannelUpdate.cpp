@@ -17,9 +17,6 @@ namespace qf {
 namespace {
 
 // Stage texts of the progress line.
-constexpr int kStrStageDownloadFeed = 40269;
-constexpr int kStrStageParseFeed = 40270;
-constexpr int kStrStageDownloadImage = 40271;
 
 // The fields a feed fills, copied so that parsing into the copy acts as parsing into the channel
 // would: what the feed does not mention keeps the channel's value.

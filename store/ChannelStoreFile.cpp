@@ -23,7 +23,6 @@ namespace qf {
 
 namespace {
 
-constexpr int kStrOpenStoreFailed = 40211;
 constexpr std::u16string_view kPathPlaceholder = u"%s";
 constexpr std::u16string_view kFileVersion = u"1.0";
 constexpr std::u16string_view kYes = u"yes";

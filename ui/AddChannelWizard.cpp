@@ -7,6 +7,7 @@
 #include "ui/HowToAddPage.h"
 #include "ui/PickChannelsPage.h"
 #include "ui/PickOpmlPage.h"
+#include "ui/QtText.h"
 #include "ui/UiScale.h"
 
 #include <QAbstractButton>
@@ -17,7 +18,6 @@ namespace qf::ui {
 
 namespace {
 
-constexpr int kStrAddChannel = 40031;
 // Screens narrower than this are a handheld's, where the dialog takes the whole screen.
 constexpr int kHandheldScreenWidth = 640;
 // The dialog's size on a larger screen, in the handheld's pixels.
@@ -31,7 +31,7 @@ AddChannelWizard::AddChannelWizard(ChannelStore& store, DeviceFamily family, QWi
       pickChannels_(new PickChannelsPage(data_, store, family)),
       enterUrl_(new EnterUrlPage(data_, store)), pickOpml_(new PickOpmlPage(data_, store)) {
     const std::u16string_view caption = LoadString(kStrAddChannel);
-    setWindowTitle(QString::fromUtf16(caption.data(), static_cast<qsizetype>(caption.size())));
+    setWindowTitle(ToQString(caption));
     setObjectName(QStringLiteral("AddChannelWizard"));
     // No banner or watermark pictures: the pages need every pixel of a handheld's screen.
     setWizardStyle(QWizard::ClassicStyle);

@@ -1,10 +1,14 @@
-#include "net/BrowserLink.h"
+#include "ui/AppCommands.h"
+
+#include "model/ChannelStore.h"
 #include "net/RefreshEngine.h"
 #include "platform/StringTable.h"
 #include "store/CachedFeeds.h"
 #include "store/ChannelStoreFile.h"
-#include "ui/AddChannelWizard.h"
-#include "ui/App.h"
+#include "ui/AppDialogs.h"
+#include "ui/AppNavigation.h"
+#include "ui/AppRefresh.h"
+#include "ui/AppScreens.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
 #include "ui/HelpPage.h"
@@ -13,13 +17,10 @@
 #include "ui/QtText.h"
 #include "ui/StoryScreen.h"
 #include "ui/WaitCursor.h"
-#include "ui/WelcomeScreen.h"
 
 namespace qf::ui {
 
 namespace {
-
-constexpr int kStrDeleteQuestion = 40247;
 
 // The text size level each size command chooses.
 int TextSizeOf(int command) {
@@ -39,113 +40,109 @@ int TextSizeOf(int command) {
 
 } // namespace
 
-void App::Quit(int) {
-    mainWindow_->close();
+AppCommands::AppCommands(const Parts& parts)
+    : store_(parts.store), screens_(parts.screens), navigation_(parts.navigation),
+      refresh_(parts.refresh), engine_(parts.engine), dialogs_(parts.dialogs),
+      family_(parts.family) {}
+
+std::u16string_view AppCommands::volume() const {
+    return store_.settings().storageVolume().view();
 }
 
-void App::About(int) {
-    dialogs_.about();
+void AppCommands::Quit(int) {
+    screens_.window().close();
 }
 
-void App::Help(int) {
+void AppCommands::About(int) {
+    dialogs_.About();
+}
+
+void AppCommands::Help(int) {
     const QUrl page = HelpPageUrl();
-    if (page.isEmpty() || !dialogs_.open(page)) {
-        dialogs_.tell(QStringLiteral("The help page could not be opened."));
+    if (page.isEmpty() || !dialogs_.Open(page)) {
+        dialogs_.Tell(QStringLiteral("The help page could not be opened."));
     }
 }
 
-void App::Back(int) {
-    if (!store_.loaded() || screen_ == kChannelScreen) {
-        SetScreen(kChannelsScreen);
-    } else if (screen_ == kStoryScreen) {
-        SetScreen(kChannelScreen);
+void AppCommands::Back(int) {
+    if (!store_.loaded() || screens_.current() == kChannelScreen) {
+        screens_.Show(kChannelsScreen);
+    } else if (screens_.current() == kStoryScreen) {
+        screens_.Show(kChannelScreen);
     }
 }
 
-void App::TextSize(int command) {
+void AppCommands::TextSize(int command) {
     store_.settings().SetTextSize(TextSizeOf(command));
-    HtmlView* view = screen_ == kWelcomeScreen ? welcomeScreen_->view() : storyScreen_->view();
-    view->SetTextSize(TextSizeOf(command));
+    screens_.textView().SetTextSize(TextSizeOf(command));
 }
 
-void App::ToggleClearType(int) {
+void AppCommands::ToggleClearType(int) {
     ViewerSettings& settings = store_.settings();
     settings.SetClearType(settings.clearType() != 0 ? 0 : 1);
-    HtmlView* view = screen_ == kWelcomeScreen ? welcomeScreen_->view() : storyScreen_->view();
-    view->SetClearType(settings.clearType() != 0);
+    screens_.textView().SetClearType(settings.clearType() != 0);
 }
 
-void App::ToggleFitToScreen(int) {
+void AppCommands::ToggleFitToScreen(int) {
     ViewerSettings& settings = store_.settings();
     settings.SetFitToScreen(settings.fitToScreen() != 0 ? 0 : 1);
-    storyScreen_->view()->SetFitToScreen(settings.fitToScreen() != 0);
+    screens_.story().view()->SetFitToScreen(settings.fitToScreen() != 0);
 }
 
-void App::LeaveWelcome(int) {
-    if (AddChannels()) {
-        RefillChannels();
+void AppCommands::LeaveWelcome(int) {
+    if (dialogs_.AddChannels(store_, family_, screens_.window())) {
+        screens_.RefillChannels();
     }
-    SetScreen(kChannelsScreen);
+    screens_.Show(kChannelsScreen);
     store_.SetLoaded(true);
 }
 
-bool App::AddChannels() {
-    AddChannelWizard wizard(store_, family_, mainWindow_.get());
-    return RunDialog(wizard) == QDialog::Accepted && wizard.Apply();
-}
-
-void App::RefreshAll(int) {
+void AppCommands::RefreshAll(int) {
     if (store_.refresh().busy()) {
         store_.refresh().RequestStop();
         return;
     }
-    if (engine_->StartRefreshAll(true)) {
-        RefreshAllStarted();
+    if (engine_.StartRefreshAll(true)) {
+        refresh_.RefreshAllStarted();
     }
 }
 
-void App::NewChannel(int) {
-    if (AddChannels()) {
-        RefillChannels();
+void AppCommands::NewChannel(int) {
+    if (dialogs_.AddChannels(store_, family_, screens_.window())) {
+        screens_.RefillChannels();
     }
 }
 
-void App::DeleteChannel(int) {
-    Channel* channel = channelsScreen_->SelectedChannel();
-    if (channel == nullptr || !dialogs_.ask(ToQString(LoadString(kStrDeleteQuestion)))) {
+void AppCommands::DeleteChannel(int) {
+    Channel* channel = screens_.channels().SelectedChannel();
+    if (channel == nullptr || !dialogs_.Ask(ToQString(LoadString(kStrDeleteQuestion)))) {
         return;
     }
     DeleteChannelFiles(*channel, volume());
-    channelsScreen_->RemoveRow(channel);
-    if (channelScreen_->channel() == channel) {
-        channelScreen_->ShowChannel(nullptr);
+    screens_.channels().RemoveRow(channel);
+    if (screens_.channel().channel() == channel) {
+        screens_.channel().ShowChannel(nullptr);
     }
-    if (storyScreen_->channel() == channel) {
-        storyScreen_->Forget();
+    if (screens_.story().channel() == channel) {
+        screens_.story().Forget();
     }
-    updating_.erase(channel);
-    if (channel == refreshingChannel_) {
-        EndChannelRefresh();
-    }
-    if (storyScreen_->channel() == nullptr) {
-        shownRetiredStory_.reset();
-    }
+    refresh_.ForgetChannel(*channel);
     // The store owns the channel; it goes here.
     store_.RemoveChannel(channel);
 }
 
-void App::ShowSelectedChannel(int) {
-    OpenChannel(channelsScreen_->SelectedChannel());
+void AppCommands::ShowSelectedChannel(int) {
+    navigation_.OpenChannel(screens_.channels().SelectedChannel());
 }
 
-void App::DownloadChannel(int) {
-    if (Channel* channel = channelsScreen_->SelectedChannel()) {
+void AppCommands::DownloadChannel(int) {
+    if (Channel* channel = screens_.channels().SelectedChannel()) {
         store_.refresh().ClearStop();
-        engine_->StartChannelUpdate(*channel, 0, true);
+        engine_.StartChannelUpdate(*channel, 0, true);
     }
 }
 
-void App::MarkAll(int command) {
+void AppCommands::MarkAll(int command) {
     WaitCursor wait;
     for (const auto& category : store_.categories()) {
         for (const auto& channel : category->channels()) {
@@ -154,52 +151,43 @@ void App::MarkAll(int command) {
             }
         }
     }
-    RefillChannels();
+    screens_.RefillChannels();
 }
 
-void App::ToggleNewChannels(int) {
+void AppCommands::ToggleNewChannels(int) {
     store_.SetNewChannels(store_.newChannels() != 0 ? 0 : 1);
-    RefillChannels();
+    screens_.RefillChannels();
 }
 
-void App::RefreshChannel(int) {
+void AppCommands::RefreshChannel(int) {
     if (store_.refresh().busy()) {
         store_.refresh().RequestStop();
         return;
     }
-    Channel* channel = channelScreen_->channel();
+    Channel* channel = screens_.channel().channel();
     if (channel == nullptr) {
         return;
     }
     store_.refresh().Start();
-    refreshCursor_ = std::make_unique<WaitCursor>();
-    refreshingChannel_ = channel;
+    refresh_.ChannelRefreshStarted(*channel);
     // Busy is cleared when the channel's update ends, failed or stopped as well as done.
-    engine_->StartChannelUpdate(
-        *channel, 0, true, [this](Channel& updated) { channelScreen_->ShowChannel(&updated); });
+    engine_.StartChannelUpdate(
+        *channel, 0, true, [this](Channel& updated) { screens_.channel().ShowChannel(&updated); });
     if (channel->state() != kChannelUpdating) {
-        EndChannelRefresh();
+        refresh_.EndChannelRefresh();
     }
 }
 
-void App::StepChannel(int command) {
-    const Channel* shown = channelScreen_->channel();
-    Channel* next = command == kCmdPreviousChannel ? channelsScreen_->PreviousChannel(shown, true)
-                                                   : channelsScreen_->NextChannel(shown, true);
-    if (next == nullptr) {
-        SetScreen(kChannelsScreen);
-        return;
-    }
-    channelsScreen_->SelectRow(next);
-    OpenChannel(next);
+void AppCommands::StepChannel(int command) {
+    navigation_.StepChannel(command == kCmdNextChannel);
 }
 
-void App::ToggleNewHeadlines(int) {
+void AppCommands::ToggleNewHeadlines(int) {
     store_.SetNewHeadlines(store_.newHeadlines() != 0 ? 0 : 1);
-    channelScreen_->ShowChannel(channelScreen_->channel());
+    screens_.channel().ShowChannel(screens_.channel().channel());
 }
 
-void App::ChooseSort(int command) {
+void AppCommands::ChooseSort(int command) {
     int32_t key = store_.sortBy();
     int32_t order = store_.sortOrder();
     if (command == kCmdAscending) {
@@ -214,38 +202,57 @@ void App::ChooseSort(int command) {
     }
     store_.SetSortBy(key);
     store_.SetSortOrder(order);
-    channelScreen_->ShowChannel(channelScreen_->channel());
+    screens_.channel().ShowChannel(screens_.channel().channel());
 }
 
-void App::MarkChannel(int command) {
-    Channel* channel = channelScreen_->channel();
+void AppCommands::MarkChannel(int command) {
+    Channel* channel = screens_.channel().channel();
     if (channel == nullptr) {
         return;
     }
     MarkAllItems(*channel, command == kCmdMarkAllRead, volume());
     if (store_.newHeadlines() != 0) {
-        channelScreen_->ShowChannel(channel);
+        screens_.channel().ShowChannel(channel);
     } else {
-        channelScreen_->RepaintList();
+        screens_.channel().RepaintList();
     }
-    channelsScreen_->UpdateRow(channel, false);
+    screens_.channels().UpdateRow(channel, false);
 }
 
-void App::StepNews(int command) {
-    StepStory(command == kCmdNextNews);
+void AppCommands::StepNews(int command) {
+    navigation_.StepStory(command == kCmdNextNews);
 }
 
-void App::ReadOnline(int) {
-    const NewsItem* item = storyScreen_->item();
-    if (item == nullptr) {
+void AppCommands::ReadOnline(int) {
+    if (const NewsItem* item = screens_.story().item()) {
+        navigation_.OpenInBrowser(item->link());
+    }
+}
+
+void AppCommands::EditChannelProperties(int) {
+    const bool onChannel = screens_.current() == kChannelScreen;
+    Channel* channel =
+        onChannel ? screens_.channel().channel() : screens_.channels().SelectedChannel();
+    if (channel == nullptr || !dialogs_.EditChannel(*channel, screens_.window())) {
         return;
     }
-    if (const auto address = LinkForBrowser(item->link())) {
-        HideForBrowser();
-        dialogs_.open(QUrl(ToQString(*address)));
+    // The new title shows at once; the address is used by the next refresh.
+    screens_.channels().UpdateRow(channel, false);
+    if (onChannel) {
+        screens_.channel().ShowChannel(channel);
     }
 }
 
-void App::NoAction(int) {}
+void AppCommands::ChooseOptions(int) {
+    // A refresh writes into the data folder; moving the folder under it would leave its files
+    // behind on the old volume.
+    if (refresh_.running()) {
+        dialogs_.Tell(QStringLiteral("Please wait until the refresh has finished."));
+        return;
+    }
+    dialogs_.ChooseOptions(store_, screens_.window());
+}
+
+void AppCommands::NoAction(int) {}
 
 } // namespace qf::ui

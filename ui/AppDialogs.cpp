@@ -1,45 +1,66 @@
-#include "ui/App.h"
+#include "ui/AppDialogs.h"
+
+#include "ui/AboutBox.h"
+#include "ui/AddChannelWizard.h"
 #include "ui/ChannelPropertiesDialog.h"
-#include "ui/ChannelScreen.h"
-#include "ui/ChannelsScreen.h"
-#include "ui/MainWindow.h"
 #include "ui/OptionsDialog.h"
+
+#include <QDesktopServices>
+#include <QMessageBox>
 
 namespace qf::ui {
 
-int App::RunDialog(QDialog& dialog) {
-    const int result = dialogs_.run(dialog);
+namespace {
+
+UserDialogs WithDefaults(UserDialogs dialogs) {
+    if (!dialogs.ask) {
+        dialogs.ask = [](const QString& question) {
+            return QMessageBox::question(nullptr, QStringLiteral("Quillfeed"), question,
+                                         QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+        };
+    }
+    if (!dialogs.tell) {
+        dialogs.tell = [](const QString& message) {
+            QMessageBox::warning(nullptr, QStringLiteral("Quillfeed"), message);
+        };
+    }
+    if (!dialogs.about) {
+        dialogs.about = [] { ShowAboutBox(nullptr); };
+    }
+    if (!dialogs.run) {
+        dialogs.run = [](QDialog& dialog) { return dialog.exec(); };
+    }
+    if (!dialogs.open) {
+        dialogs.open = [](const QUrl& address) { return QDesktopServices::openUrl(address); };
+    }
+    return dialogs;
+}
+
+} // namespace
+
+AppDialogs::AppDialogs(UserDialogs hooks) : hooks_(WithDefaults(std::move(hooks))) {}
+
+int AppDialogs::Run(QDialog& dialog, QWidget& window) const {
+    const int result = hooks_.run(dialog);
     // Without a window manager (a kiosk handheld) nobody else gives the keyboard back.
-    mainWindow_->activateWindow();
+    window.activateWindow();
     return result;
 }
 
-void App::EditChannelProperties(int) {
-    Channel* channel =
-        screen_ == kChannelScreen ? channelScreen_->channel() : channelsScreen_->SelectedChannel();
-    if (channel == nullptr) {
-        return;
-    }
-    ChannelPropertiesDialog dialog(*channel, mainWindow_.get());
-    if (RunDialog(dialog) != QDialog::Accepted) {
-        return;
-    }
-    // The new title shows at once; the address is used by the next refresh.
-    channelsScreen_->UpdateRow(channel, false);
-    if (screen_ == kChannelScreen) {
-        channelScreen_->ShowChannel(channel);
-    }
+bool AppDialogs::AddChannels(ChannelStore& store, const DeviceFamily& family,
+                             QWidget& window) const {
+    AddChannelWizard wizard(store, family, &window);
+    return Run(wizard, window) == QDialog::Accepted && wizard.Apply();
 }
 
-void App::ChooseOptions(int) {
-    // A refresh writes into the data folder; moving the folder under it would leave its files
-    // behind on the old volume.
-    if (refreshAllRunning_ || !updating_.empty()) {
-        dialogs_.tell(QStringLiteral("Please wait until the refresh has finished."));
-        return;
-    }
-    OptionsDialog dialog(store_, dialogs_.ask, dialogs_.tell, mainWindow_.get());
-    RunDialog(dialog);
+bool AppDialogs::EditChannel(Channel& channel, QWidget& window) const {
+    ChannelPropertiesDialog dialog(channel, &window);
+    return Run(dialog, window) == QDialog::Accepted;
+}
+
+void AppDialogs::ChooseOptions(ChannelStore& store, QWidget& window) const {
+    OptionsDialog dialog(store, hooks_.ask, hooks_.tell, &window);
+    Run(dialog, window);
 }
 
 } // namespace qf::ui

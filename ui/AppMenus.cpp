@@ -1,8 +1,13 @@
+#include "ui/AppMenus.h"
+
+#include "model/ChannelStore.h"
 #include "platform/StringTable.h"
-#include "ui/App.h"
+#include "ui/AppScreens.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
+#include "ui/MainWindow.h"
 #include "ui/MenuTables.h"
+#include "ui/QtText.h"
 #include "ui/SoftKeyBar.h"
 #include "ui/StoryScreen.h"
 
@@ -13,10 +18,6 @@ namespace qf::ui {
 
 namespace {
 
-constexpr int kStrRefreshAll = 40256;
-constexpr int kStrStopRefreshAll = 40257;
-constexpr int kStrRefreshChannel = 40282;
-constexpr int kStrStopRefreshChannel = 40283;
 constexpr std::array kPodcastCommands = {kCmdDownloadPodcast, kCmdPlayPodcast, kCmdCopyPodcast,
                                          kCmdDeletePodcast};
 // The size command of each text size level, smallest first.
@@ -38,17 +39,43 @@ void Check(QMenu* menu, int command, bool checked) {
 
 void SetText(QMenu* menu, int command, int stringId) {
     if (QAction* action = FindCommand(menu, command)) {
-        const std::u16string_view text = LoadString(stringId);
-        action->setText(QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size())));
+        action->setText(ToQString(LoadString(stringId)));
     }
 }
 
 } // namespace
 
-void App::OnMenuPopup(QMenu* menu, bool fromMenuKey) {
-    UpdateMenuState(menu);
-    UpdateMenuChecks(menu, fromMenuKey);
-    if (screen_ == kStoryScreen) {
+AppMenus::AppMenus(const ChannelStore& store, const AppScreens& screens,
+                   const CommandHandler& onCommand)
+    : store_(store), screens_(screens), contextMenu_(new QMenu(&screens.window())) {
+    contextMenu_->setObjectName(QStringLiteral("ChannelContextMenu"));
+    AddMenuEntries(contextMenu_, ChannelContextMenu(), [](QMenu*) {});
+    QObject::connect(contextMenu_, &QMenu::aboutToShow, contextMenu_,
+                     [this] { OnPopup(contextMenu_, false); });
+    QObject::connect(contextMenu_, &QMenu::triggered, contextMenu_, [onCommand](QAction* action) {
+        if (const int command = CommandOf(action); command != 0) {
+            onCommand(command);
+        }
+    });
+}
+
+void AppMenus::ShowChannelMenu() {
+    const Channel* selected = screens_.channels().SelectedChannel();
+    if (selected == nullptr) {
+        return;
+    }
+    const QRect row = screens_.channels().RowRectOnScreen(selected);
+    contextMenu_->popup(row.bottomLeft());
+}
+
+void AppMenus::CloseChannelMenu() {
+    contextMenu_->close();
+}
+
+void AppMenus::OnPopup(QMenu* menu, bool fromMenuKey) {
+    UpdateState(menu);
+    UpdateChecks(menu, fromMenuKey);
+    if (screens_.current() == kStoryScreen) {
         if (QAction* offline = FindCommand(menu, kCmdReadOffline)) {
             offline->setVisible(false);
             menu->removeAction(offline);
@@ -56,47 +83,46 @@ void App::OnMenuPopup(QMenu* menu, bool fromMenuKey) {
     }
 }
 
-void App::UpdateMenuState(QMenu* menu) {
+void AppMenus::UpdateState(QMenu* menu) {
     const bool busy = store_.refresh().busy();
     // The category entries share their numbers with other commands (40109 is also "Delete
     // Channel"); what those commands allow must not grey out a category.
-    if (menu->title() ==
-        QString::fromUtf16(kCategorySubmenuCaption.data(),
-                           static_cast<qsizetype>(kCategorySubmenuCaption.size()))) {
+    if (menu->objectName() == QLatin1StringView(kCategorySubmenuName)) {
         return;
     }
-    if (screen_ == kChannelsScreen) {
-        const bool selected = channelsScreen_->SelectedChannel() != nullptr;
+    if (screens_.current() == kChannelsScreen) {
+        const bool selected = screens_.channels().SelectedChannel() != nullptr;
         for (int command :
              {kCmdShowChannel, kCmdDownloadChannel, kCmdDeleteChannel, kCmdChannelProperties}) {
             Enable(menu, command, selected);
         }
         SetText(menu, kCmdRefreshAll, busy ? kStrStopRefreshAll : kStrRefreshAll);
-    } else if (screen_ == kChannelScreen) {
-        const Channel* shown = channelScreen_->channel();
+    } else if (screens_.current() == kChannelScreen) {
+        const Channel* shown = screens_.channel().channel();
         Enable(menu, kCmdAscending, store_.sortBy() != kSortNone);
-        Enable(menu, kCmdPreviousChannel, channelsScreen_->PreviousChannel(shown, true) != nullptr);
-        Enable(menu, kCmdNextChannel, channelsScreen_->NextChannel(shown, true) != nullptr);
+        Enable(menu, kCmdPreviousChannel,
+               screens_.channels().PreviousChannel(shown, true) != nullptr);
+        Enable(menu, kCmdNextChannel, screens_.channels().NextChannel(shown, true) != nullptr);
         SetText(menu, kCmdRefreshChannel, busy ? kStrStopRefreshChannel : kStrRefreshChannel);
-    } else if (screen_ == kStoryScreen) {
-        const bool listed = storyScreen_->channel() == channelScreen_->channel();
-        const NewsItem* shown = storyScreen_->item();
+    } else if (screens_.current() == kStoryScreen) {
+        const bool listed = screens_.story().channel() == screens_.channel().channel();
+        const NewsItem* shown = screens_.story().item();
         Enable(menu, kCmdPreviousNews,
-               listed && channelScreen_->PreviousStory(shown, true) != nullptr);
-        Enable(menu, kCmdNextNews, listed && channelScreen_->NextStory(shown, true) != nullptr);
+               listed && screens_.channel().PreviousStory(shown, true) != nullptr);
+        Enable(menu, kCmdNextNews, listed && screens_.channel().NextStory(shown, true) != nullptr);
         Enable(menu, kCmdFitToScreen, true);
         for (int command : kTextSizeCommands) {
             Enable(menu, command, true);
         }
     }
-    if (screen_ == kChannelScreen || screen_ == kStoryScreen) {
+    if (screens_.current() == kChannelScreen || screens_.current() == kStoryScreen) {
         for (int command : kPodcastCommands) {
             Enable(menu, command, false);
         }
     }
 }
 
-void App::CheckTextSize(QMenu* menu) {
+void AppMenus::CheckTextSize(QMenu* menu) {
     const int32_t size = store_.settings().textSize();
     const int checked = size >= 0 && size < static_cast<int32_t>(kTextSizeCommands.size())
                             ? kTextSizeCommands[static_cast<std::size_t>(size)]
@@ -106,19 +132,21 @@ void App::CheckTextSize(QMenu* menu) {
     }
 }
 
-void App::UpdateMenuChecks(QMenu* menu, bool fromMenuKey) {
+void AppMenus::UpdateChecks(QMenu* menu, bool fromMenuKey) {
     const ViewerSettings& settings = store_.settings();
-    if (screen_ == kWelcomeScreen || screen_ == kStoryScreen) {
+    if (screens_.current() == kWelcomeScreen || screens_.current() == kStoryScreen) {
         Check(menu, kCmdFitToScreen, settings.fitToScreen() != 0);
         Check(menu, kCmdClearType, settings.clearType() != 0);
         CheckTextSize(menu);
-    } else if (screen_ == kChannelsScreen && !store_.refresh().busy()) {
+    } else if (screens_.current() == kChannelsScreen && !store_.refresh().busy()) {
         Check(menu, kCmdNewChannelsOnly, store_.newChannels() != 0);
-        const QList<QAction*> actions = menu->actions();
-        if (fromMenuKey && !actions.isEmpty() && actions.first()->menu() != nullptr) {
-            UpdateCategoryList(actions.first()->menu());
+        // The View submenu holds the category list, which is filled in as it opens.
+        auto* categories = menu->findChild<QMenu*>(QLatin1StringView(kCategorySubmenuName),
+                                                   Qt::FindDirectChildrenOnly);
+        if (fromMenuKey && categories != nullptr) {
+            UpdateCategoryList(categories);
         }
-    } else if (screen_ == kChannelScreen) {
+    } else if (screens_.current() == kChannelScreen) {
         const int32_t sortBy = store_.sortBy();
         Check(menu, kCmdNewHeadlinesOnly, store_.newHeadlines() != 0);
         Check(menu, kCmdDoNotSort, sortBy == kSortNone);
@@ -128,7 +156,7 @@ void App::UpdateMenuChecks(QMenu* menu, bool fromMenuKey) {
     }
 }
 
-void App::UpdateCategoryList(QMenu* categories) {
+void AppMenus::UpdateCategoryList(QMenu* categories) {
     for (int i = 0; i < kMaxCategoryEntries; ++i) {
         QAction* entry = FindCommand(categories, kCmdFirstCategory + i);
         if (entry == nullptr) {
@@ -140,7 +168,7 @@ void App::UpdateCategoryList(QMenu* categories) {
     Check(categories, kCmdAllCategories, false);
     const auto& list = store_.categories();
     for (std::size_t i = 0; i < list.size(); ++i) {
-        QAction* entry = categories->addAction(QString::fromStdU16String(list[i]->name().str()));
+        QAction* entry = categories->addAction(ToQString(list[i]->name().str()));
         entry->setData(kCmdFirstCategory + static_cast<int>(i));
     }
     const int32_t selected = store_.categoryId();

@@ -1,11 +1,15 @@
+#include "ui/AppRefresh.h"
+
+#include "model/ChannelStore.h"
 #include "parse/ReadState.h"
 #include "platform/Text.h"
-#include "ui/App.h"
+#include "ui/AppScreens.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
 #include "ui/MainWindow.h"
 #include "ui/PrivateMessages.h"
 #include "ui/ProgressBar.h"
+#include "ui/QtText.h"
 #include "ui/StoryScreen.h"
 #include "ui/WaitCursor.h"
 
@@ -13,24 +17,55 @@
 
 namespace qf::ui {
 
-void App::HandOver(std::function<void()> work) {
+AppRefresh::AppRefresh(ChannelStore& store, AppScreens& screens)
+    : store_(store), screens_(screens), handOvers_([&window = screens.window()] {
+          PostPrivateMessage(&window, std::make_unique<PrivateMessageEvent>(kHandOverEvent));
+      }),
+      handOverToken_(std::make_shared<int>(0)) {}
+
+AppRefresh::~AppRefresh() = default;
+
+void AppRefresh::RunNextHandOver() {
+    handOvers_.RunNext();
+}
+
+void AppRefresh::DropQueuedCompletions() {
+    handOverToken_.reset();
+}
+
+void AppRefresh::ChannelRefreshStarted(const Channel& channel) {
+    refreshCursor_ = std::make_unique<WaitCursor>();
+    refreshingChannel_ = &channel;
+}
+
+void AppRefresh::ForgetChannel(const Channel& channel) {
+    updating_.erase(&channel);
+    if (&channel == refreshingChannel_) {
+        EndChannelRefresh();
+    }
+    if (screens_.story().channel() == nullptr) {
+        shownRetiredStory_.reset();
+    }
+}
+
+void AppRefresh::HandOver(std::function<void()> work) {
     handOvers_.Post(std::move(work));
 }
 
-void App::ReportProgress(const RefreshProgress& progress) {
+void AppRefresh::ReportProgress(const RefreshProgress& progress) {
     HandOver([this, progress] { ShowProgressLine(progress); });
 }
 
-void App::RedrawChannel(const Channel& channel) {
-    channelsScreen_->UpdateIcon(&channel);
-    channelsScreen_->UpdateRow(&channel, false);
+void AppRefresh::RedrawChannel(const Channel& channel) {
+    screens_.channels().UpdateIcon(&channel);
+    screens_.channels().UpdateRow(&channel, false);
     if (channel.state() == kChannelUpdating) {
         updating_.insert(&channel);
-        ShowProgress(true);
+        screens_.ShowProgress(true);
     } else {
         updating_.erase(&channel);
         HideProgressWhenIdle();
-        if (&channel == channelScreen_->channel()) {
+        if (&channel == screens_.channel().channel()) {
             refreshCursor_.reset();
         }
         if (&channel == refreshingChannel_) {
@@ -39,7 +74,7 @@ void App::RedrawChannel(const Channel& channel) {
     }
 }
 
-void App::EndChannelRefresh() {
+void AppRefresh::EndChannelRefresh() {
     refreshingChannel_ = nullptr;
     refreshCursor_.reset();
     if (!refreshAllRunning_) {
@@ -47,8 +82,8 @@ void App::EndChannelRefresh() {
     }
 }
 
-void App::PostRefreshDone(Channel& channel, RefreshCompletion completion) {
-    qf::ui::PostRefreshDone(mainWindow_.get(), &channel,
+void AppRefresh::PostRefreshDone(Channel& channel, RefreshCompletion completion) {
+    qf::ui::PostRefreshDone(&screens_.window(), &channel,
                             [token = std::weak_ptr<int>(handOverToken_),
                              completion = std::move(completion)](Channel& done) {
                                 if (token.lock()) {
@@ -57,12 +92,12 @@ void App::PostRefreshDone(Channel& channel, RefreshCompletion completion) {
                             });
 }
 
-void App::RetireItems(Channel& channel, Channel::ItemList items) {
+void AppRefresh::RetireItems(Channel& channel, Channel::ItemList items) {
     auto before = std::make_shared<Channel::ItemList>(std::move(items));
-    if (channelScreen_->channel() == &channel) {
-        channelScreen_->FollowRefresh(*before);
+    if (screens_.channel().channel() == &channel) {
+        screens_.channel().FollowRefresh(*before);
     }
-    if (storyScreen_->channel() == &channel) {
+    if (screens_.story().channel() == &channel) {
         FollowRefreshOnStoryScreen(channel, before);
     }
     // Messages already on their way (a tap on a headline) may name a replaced story; they are
@@ -71,14 +106,14 @@ void App::RetireItems(Channel& channel, Channel::ItemList items) {
     HandOver([this, before] { std::erase(retiredItems_, before); });
 }
 
-void App::FollowRefreshOnStoryScreen(Channel& channel,
-                                     const std::shared_ptr<Channel::ItemList>& before) {
-    const NewsItem* shown = storyScreen_->item();
+void AppRefresh::FollowRefreshOnStoryScreen(Channel& channel,
+                                            const std::shared_ptr<Channel::ItemList>& before) {
+    const NewsItem* shown = screens_.story().item();
     if (shown == nullptr) {
         return;
     }
     if (NewsItem* same = SameStory(*before, *shown, channel.items())) {
-        storyScreen_->FollowRefresh(same);
+        screens_.story().FollowRefresh(same);
         shownRetiredStory_.reset();
     } else if (std::ranges::any_of(*before,
                                    [shown](const auto& item) { return item.get() == shown; })) {
@@ -87,7 +122,7 @@ void App::FollowRefreshOnStoryScreen(Channel& channel,
     }
 }
 
-NewsItem* App::LiveStory(const Channel& channel, NewsItem* item) const {
+NewsItem* AppRefresh::LiveStory(const Channel& channel, NewsItem* item) const {
     const auto holds = [item](const Channel::ItemList& list) {
         return std::ranges::any_of(list, [item](const auto& entry) { return entry.get() == item; });
     };
@@ -102,37 +137,30 @@ NewsItem* App::LiveStory(const Channel& channel, NewsItem* item) const {
     return nullptr;
 }
 
-void App::RefreshAllFinished() {
+void AppRefresh::RefreshAllFinished() {
     refreshAllRunning_ = false;
     HideProgressWhenIdle();
 }
 
-void App::RefreshAllStarted() {
+void AppRefresh::RefreshAllStarted() {
     refreshAllRunning_ = true;
-    ShowProgress(true);
+    screens_.ShowProgress(true);
 }
 
-void App::HideProgressWhenIdle() {
+void AppRefresh::HideProgressWhenIdle() {
     if (updating_.empty() && !refreshAllRunning_) {
-        ShowProgress(false);
+        screens_.ShowProgress(false);
     }
 }
 
-void App::ShowProgress(bool shown) {
-    channelsScreen_->ShowProgress(shown);
-    channelScreen_->ShowProgress(shown);
-    storyScreen_->ShowProgress(shown);
-}
-
-void App::ShowProgressLine(const RefreshProgress& progress) {
+void AppRefresh::ShowProgressLine(const RefreshProgress& progress) {
     // The stage first: a long title is what the bar cuts short.
     std::u16string line(progress.stageText);
     if (!progress.title.empty()) {
         line += u": " + progress.title;
     }
-    const QString text = QString::fromStdU16String(line);
-    for (ProgressBar* bar :
-         {channelsScreen_->progress(), channelScreen_->progress(), storyScreen_->progress()}) {
+    const QString text = ToQString(line);
+    for (ProgressBar* bar : screens_.progressBars()) {
         bar->SetText(text);
         if (progress.count > 0) {
             bar->SetRange(0, progress.count);

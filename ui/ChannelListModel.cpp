@@ -2,6 +2,7 @@
 
 #include "model/ChannelListOrder.h"
 #include "model/ChannelStore.h"
+#include "ui/QtText.h"
 #include "ui/RowTitle.h"
 
 #include <algorithm>
@@ -18,8 +19,8 @@ void ChannelListModel::Fill(const ChannelStore& store, int32_t categoryFilter, b
 }
 
 ChannelListModel::Row ChannelListModel::MakeRow(Channel* channel) {
-    return {channel, QString::fromStdU16String(RowTitle(channel->title().view())),
-            channel->newItemCount(), channel->itemCount(), channel->state()};
+    return {channel, ToQString(RowTitle(channel->title().view())), channel->newItemCount(),
+            channel->itemCount(), channel->state()};
 }
 
 bool ChannelListModel::Refresh(const Channel* channel) {

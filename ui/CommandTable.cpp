@@ -1,74 +1,75 @@
-#include "ui/App.h"
-#include "ui/ChannelsScreen.h"
+#include "model/ChannelStore.h"
+#include "ui/AppCommands.h"
+#include "ui/AppScreens.h"
 
 #include <array>
 
 namespace qf::ui {
 
-std::span<const App::CommandRoute> App::CommandRoutes() {
-    static constexpr std::array kRoutes = std::to_array<CommandRoute>({
-        {kNoScreen, kCmdQuit, &App::Quit},
-        {kNoScreen, kCmdQuitQuillfeed, &App::Quit},
-        {kNoScreen, kCmdAbout, &App::About},
-        {kNoScreen, kCmdHelp, &App::Help},
-        {kNoScreen, kCmdBack, &App::Back},
+std::span<const AppCommands::Route> AppCommands::Routes() {
+    static constexpr std::array kRoutes = std::to_array<Route>({
+        {kNoScreen, kCmdQuit, &AppCommands::Quit},
+        {kNoScreen, kCmdQuitQuillfeed, &AppCommands::Quit},
+        {kNoScreen, kCmdAbout, &AppCommands::About},
+        {kNoScreen, kCmdHelp, &AppCommands::Help},
+        {kNoScreen, kCmdBack, &AppCommands::Back},
 
-        {kWelcomeScreen, kCmdTextLargest, &App::TextSize},
-        {kWelcomeScreen, kCmdTextLarger, &App::TextSize},
-        {kWelcomeScreen, kCmdTextMedium, &App::TextSize},
-        {kWelcomeScreen, kCmdTextSmaller, &App::TextSize},
-        {kWelcomeScreen, kCmdTextSmallest, &App::TextSize},
-        {kWelcomeScreen, kCmdClearType, &App::ToggleClearType},
-        {kWelcomeScreen, kCmdContinue, &App::LeaveWelcome},
+        {kWelcomeScreen, kCmdTextLargest, &AppCommands::TextSize},
+        {kWelcomeScreen, kCmdTextLarger, &AppCommands::TextSize},
+        {kWelcomeScreen, kCmdTextMedium, &AppCommands::TextSize},
+        {kWelcomeScreen, kCmdTextSmaller, &AppCommands::TextSize},
+        {kWelcomeScreen, kCmdTextSmallest, &AppCommands::TextSize},
+        {kWelcomeScreen, kCmdClearType, &AppCommands::ToggleClearType},
+        {kWelcomeScreen, kCmdContinue, &AppCommands::LeaveWelcome},
 
-        {kChannelsScreen, kCmdRefreshAll, &App::RefreshAll},
-        {kChannelsScreen, kCmdNew, &App::NewChannel},
-        {kChannelsScreen, kCmdDeleteChannel, &App::DeleteChannel},
-        {kChannelsScreen, kCmdShowChannel, &App::ShowSelectedChannel},
-        {kChannelsScreen, kCmdDownloadChannel, &App::DownloadChannel},
-        {kChannelsScreen, kCmdMarkAllRead, &App::MarkAll},
-        {kChannelsScreen, kCmdMarkAllUnread, &App::MarkAll},
-        {kChannelsScreen, kCmdChannelProperties, &App::EditChannelProperties},
-        {kChannelsScreen, kCmdNewChannelsOnly, &App::ToggleNewChannels},
-        {kChannelsScreen, kCmdOptions, &App::ChooseOptions},
+        {kChannelsScreen, kCmdRefreshAll, &AppCommands::RefreshAll},
+        {kChannelsScreen, kCmdNew, &AppCommands::NewChannel},
+        {kChannelsScreen, kCmdDeleteChannel, &AppCommands::DeleteChannel},
+        {kChannelsScreen, kCmdShowChannel, &AppCommands::ShowSelectedChannel},
+        {kChannelsScreen, kCmdDownloadChannel, &AppCommands::DownloadChannel},
+        {kChannelsScreen, kCmdMarkAllRead, &AppCommands::MarkAll},
+        {kChannelsScreen, kCmdMarkAllUnread, &AppCommands::MarkAll},
+        {kChannelsScreen, kCmdChannelProperties, &AppCommands::EditChannelProperties},
+        {kChannelsScreen, kCmdNewChannelsOnly, &AppCommands::ToggleNewChannels},
+        {kChannelsScreen, kCmdOptions, &AppCommands::ChooseOptions},
 
-        {kChannelScreen, kCmdRefreshChannel, &App::RefreshChannel},
-        {kChannelScreen, kCmdPreviousChannel, &App::StepChannel},
-        {kChannelScreen, kCmdNextChannel, &App::StepChannel},
-        {kChannelScreen, kCmdNewHeadlinesOnly, &App::ToggleNewHeadlines},
-        {kChannelScreen, kCmdDoNotSort, &App::ChooseSort},
-        {kChannelScreen, kCmdSortByDate, &App::ChooseSort},
-        {kChannelScreen, kCmdSortByStatus, &App::ChooseSort},
-        {kChannelScreen, kCmdAscending, &App::ChooseSort},
-        {kChannelScreen, kCmdMarkAllRead, &App::MarkChannel},
-        {kChannelScreen, kCmdMarkAllUnread, &App::MarkChannel},
-        {kChannelScreen, kCmdChannelProperties, &App::EditChannelProperties},
+        {kChannelScreen, kCmdRefreshChannel, &AppCommands::RefreshChannel},
+        {kChannelScreen, kCmdPreviousChannel, &AppCommands::StepChannel},
+        {kChannelScreen, kCmdNextChannel, &AppCommands::StepChannel},
+        {kChannelScreen, kCmdNewHeadlinesOnly, &AppCommands::ToggleNewHeadlines},
+        {kChannelScreen, kCmdDoNotSort, &AppCommands::ChooseSort},
+        {kChannelScreen, kCmdSortByDate, &AppCommands::ChooseSort},
+        {kChannelScreen, kCmdSortByStatus, &AppCommands::ChooseSort},
+        {kChannelScreen, kCmdAscending, &AppCommands::ChooseSort},
+        {kChannelScreen, kCmdMarkAllRead, &AppCommands::MarkChannel},
+        {kChannelScreen, kCmdMarkAllUnread, &AppCommands::MarkChannel},
+        {kChannelScreen, kCmdChannelProperties, &AppCommands::EditChannelProperties},
 
-        {kStoryScreen, kCmdPreviousNews, &App::StepNews},
-        {kStoryScreen, kCmdNextNews, &App::StepNews},
-        {kStoryScreen, kCmdReadOnline, &App::ReadOnline},
-        {kStoryScreen, kCmdFitToScreen, &App::ToggleFitToScreen},
-        {kStoryScreen, kCmdClearType, &App::ToggleClearType},
-        {kStoryScreen, kCmdTextLargest, &App::TextSize},
-        {kStoryScreen, kCmdTextLarger, &App::TextSize},
-        {kStoryScreen, kCmdTextMedium, &App::TextSize},
-        {kStoryScreen, kCmdTextSmaller, &App::TextSize},
-        {kStoryScreen, kCmdTextSmallest, &App::TextSize},
+        {kStoryScreen, kCmdPreviousNews, &AppCommands::StepNews},
+        {kStoryScreen, kCmdNextNews, &AppCommands::StepNews},
+        {kStoryScreen, kCmdReadOnline, &AppCommands::ReadOnline},
+        {kStoryScreen, kCmdFitToScreen, &AppCommands::ToggleFitToScreen},
+        {kStoryScreen, kCmdClearType, &AppCommands::ToggleClearType},
+        {kStoryScreen, kCmdTextLargest, &AppCommands::TextSize},
+        {kStoryScreen, kCmdTextLarger, &AppCommands::TextSize},
+        {kStoryScreen, kCmdTextMedium, &AppCommands::TextSize},
+        {kStoryScreen, kCmdTextSmaller, &AppCommands::TextSize},
+        {kStoryScreen, kCmdTextSmallest, &AppCommands::TextSize},
 
         // Offline reading and the podcast entries have no action.
-        {kNoScreen, kCmdReadOffline, &App::NoAction},
-        {kNoScreen, kCmdDownloadPodcast, &App::NoAction},
-        {kNoScreen, kCmdPlayPodcast, &App::NoAction},
-        {kNoScreen, kCmdCopyPodcast, &App::NoAction},
-        {kNoScreen, kCmdDeletePodcast, &App::NoAction},
+        {kNoScreen, kCmdReadOffline, &AppCommands::NoAction},
+        {kNoScreen, kCmdDownloadPodcast, &AppCommands::NoAction},
+        {kNoScreen, kCmdPlayPodcast, &AppCommands::NoAction},
+        {kNoScreen, kCmdCopyPodcast, &AppCommands::NoAction},
+        {kNoScreen, kCmdDeletePodcast, &AppCommands::NoAction},
     });
     return kRoutes;
 }
 
-void App::SelectCategoryByCommand(int command) {
+void AppCommands::SelectCategoryByCommand(int command) {
     if (command == kCmdAllCategories) {
         store_.SetCategoryId(-1);
-        RefillChannels();
+        screens_.RefillChannels();
         return;
     }
     // Every command above 40100 takes part, not only the category entries: with eight or more
@@ -76,16 +77,17 @@ void App::SelectCategoryByCommand(int command) {
     const int index = command - kCmdFirstCategory;
     if (command > kCmdAllCategories && index < static_cast<int>(store_.categories().size())) {
         store_.SetCategoryId(index);
-        RefillChannels();
+        screens_.RefillChannels();
     }
 }
 
-bool App::OnCommand(int sourceControl, int command) {
+bool AppCommands::Run(int sourceControl, int command) {
     if (sourceControl == kCtlNone) {
         SelectCategoryByCommand(command);
     }
-    for (const CommandRoute& route : CommandRoutes()) {
-        if (route.command == command && (route.screen == kNoScreen || route.screen == screen_)) {
+    for (const Route& route : Routes()) {
+        if (route.command == command &&
+            (route.screen == kNoScreen || route.screen == screens_.current())) {
             (this->*route.handler)(command);
             return true;
         }

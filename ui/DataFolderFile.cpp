@@ -2,6 +2,7 @@
 
 #include "model/DataFolder.h"
 #include "platform/Volumes.h"
+#include "ui/QtText.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -36,7 +37,7 @@ bool IsDataFolderFile(const QString& path) {
         return false;
     }
     for (const std::u16string& folder : DataFolders()) {
-        const QString root = QFileInfo(QString::fromStdU16String(folder)).canonicalFilePath();
+        const QString root = QFileInfo(ToQString(folder)).canonicalFilePath();
         if (!root.isEmpty() && file.startsWith(root + QDir::separator())) {
             return true;
         }

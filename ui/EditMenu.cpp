@@ -1,6 +1,7 @@
 #include "ui/EditMenu.h"
 
 #include "platform/StringTable.h"
+#include "ui/QtText.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -14,17 +15,8 @@ namespace qf::ui {
 
 namespace {
 
-enum EditMenuText : int {
-    kStrCut = 40248,
-    kStrCopy = 40249,
-    kStrPaste = 40250,
-    kStrClear = 40251,
-    kStrSelectAll = 40252,
-};
-
 QString Text(int id) {
-    const std::u16string_view text = LoadString(id);
-    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+    return ToQString(LoadString(id));
 }
 
 bool ClipboardHasText() {

@@ -1,6 +1,7 @@
 #include "ui/HowToAddPage.h"
 
 #include "platform/StringTable.h"
+#include "ui/QtText.h"
 #include "ui/UiScale.h"
 
 #include <QLabel>
@@ -12,7 +13,7 @@ namespace qf::ui {
 
 namespace {
 
-constexpr std::array kRowTexts = {40253, 40254, 40255};
+constexpr std::array kRowTexts = {kStrSelectFromList, kStrEnterChannelUrl, kStrImportFromOpml};
 // The page each row leads to.
 constexpr std::array kRowPages = {kPickChannelsPage, kEnterUrlPage, kPickOpmlPage};
 
@@ -37,8 +38,7 @@ void HowToAddPage::Activate() {
     list_->clear();
     for (const int text : kRowTexts) {
         const std::u16string_view row = LoadString(text);
-        auto* item = new QListWidgetItem(
-            QString::fromUtf16(row.data(), static_cast<qsizetype>(row.size())), list_);
+        auto* item = new QListWidgetItem(ToQString(row), list_);
         item->setSizeHint(QSize(0, Scaled(kListRowHeight, list_)));
     }
     const bool known = data_.method >= 0 && data_.method < static_cast<int32_t>(kRowTexts.size());

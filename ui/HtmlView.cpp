@@ -2,6 +2,7 @@
 
 #include "ui/DataFolderFile.h"
 #include "ui/PrivateMessages.h"
+#include "ui/QtText.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -59,7 +60,7 @@ void HtmlView::SetPage(const std::optional<std::u16string>& text, bool isHtml,
     // The document resolves the names of its pictures against this before asking for them.
     document()->setBaseUrl(base_.value_or(QUrl()));
     if (text) {
-        const QString page = QString::fromStdU16String(*text);
+        const QString page = ToQString(*text);
         if (isHtml) {
             setHtml(page);
         } else {

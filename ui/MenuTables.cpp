@@ -58,17 +58,15 @@ constexpr std::array kMenuTexts = std::to_array<MenuTextEntry>({
     {kCmdTextLargest, u"Largest"},
 });
 
-constexpr int kStrDeleteChannel = 40043;
-constexpr int kStrChannelPropertiesEllipsis = 40044;
-
 constexpr MenuEntry Command(int id, int stringId = 0) {
-    return {MenuEntry::kCommand, id, {}, {}, stringId};
+    return {MenuEntry::kCommand, id, {}, {}, stringId, {}};
 }
 constexpr MenuEntry Separator() {
-    return {MenuEntry::kSeparator, 0, {}, {}, 0};
+    return {MenuEntry::kSeparator, 0, {}, {}, 0, {}};
 }
-constexpr MenuEntry Submenu(std::u16string_view caption, std::span<const MenuEntry> entries) {
-    return {MenuEntry::kSubmenu, 0, caption, entries, 0};
+constexpr MenuEntry Submenu(std::u16string_view caption, std::span<const MenuEntry> entries,
+                            std::string_view objectName = {}) {
+    return {MenuEntry::kSubmenu, 0, caption, entries, 0, objectName};
 }
 
 constexpr MenuEntry kTextSizeEntries[] = {
@@ -91,12 +89,11 @@ constexpr MenuEntry kWelcomeMenu[] = {
     Command(kCmdAbout),
 };
 
-// The category list is filled in each time the View submenu opens; it must stay the first entry
-// of that submenu.
+// The category list is filled in each time the View submenu opens.
 constexpr MenuEntry kCategoryEntries[] = {Command(kCmdAllCategories)};
 
 constexpr MenuEntry kChannelsViewEntries[] = {
-    Submenu(kCategorySubmenuCaption, kCategoryEntries),
+    Submenu(u"Category", kCategoryEntries, kCategorySubmenuName),
     Command(kCmdNewChannelsOnly),
 };
 

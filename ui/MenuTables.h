@@ -18,6 +18,8 @@ struct MenuEntry {
     std::span<const MenuEntry> entries;
     // A string-table number whose text the command shows instead of its menu text; 0 for none.
     int stringId = 0;
+    // The object name of a submenu that the program looks up; empty for none.
+    std::string_view objectName;
 };
 
 // The text an entry shows.
@@ -41,7 +43,7 @@ const MenuBar& MenuBarFor(Screen screen);
 // The menu shown over a selected row of the channels list.
 std::span<const MenuEntry> ChannelContextMenu();
 
-// The caption of the submenu that lists the categories on the channels screen.
-inline constexpr std::u16string_view kCategorySubmenuCaption = u"Category";
+// The object name of the submenu that lists the categories on the channels screen.
+inline constexpr std::string_view kCategorySubmenuName = "CategorySubmenu";
 
 } // namespace qf::ui

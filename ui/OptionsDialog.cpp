@@ -15,13 +15,6 @@
 
 namespace qf::ui {
 
-namespace {
-
-constexpr int kStrMainMemory = 40242;
-constexpr int kStrMoveQuestion = 40052;
-
-} // namespace
-
 OptionsDialog::OptionsDialog(ChannelStore& store, Question ask, Message tell, QWidget* parent)
     : QDialog(parent), store_(store), ask_(std::move(ask)), tell_(std::move(tell)),
       volumes_(new QComboBox(this)) {

@@ -15,7 +15,6 @@ namespace qf::ui {
 
 namespace {
 
-constexpr int kStrAllCategories = 40246;
 constexpr int kIconSize = 16;
 
 enum ItemKind : int { kRootItem = QTreeWidgetItem::UserType, kCategoryItem, kChannelItem };
@@ -80,8 +79,7 @@ void PickChannelsPage::Activate() {
 void PickChannelsPage::FillTree() {
     auto* root = NewItem(nullptr, {}, kRootItem);
     const std::u16string_view allCategories = LoadString(kStrAllCategories);
-    root->setText(
-        0, QString::fromUtf16(allCategories.data(), static_cast<qsizetype>(allCategories.size())));
+    root->setText(0, ToQString(allCategories));
     tree_->addTopLevelItem(root);
     root->setExpanded(true);
     for (const auto& category : data_.offered->categories()) {

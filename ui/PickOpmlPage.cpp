@@ -1,6 +1,7 @@
 #include "ui/PickOpmlPage.h"
 
 #include "platform/Volumes.h"
+#include "ui/QtText.h"
 #include "ui/UiScale.h"
 
 #include <QDir>
@@ -42,7 +43,7 @@ PickOpmlPage::PickOpmlPage(WizardData& wizardData, const ChannelStore& store, QW
 
 QString PickOpmlPage::VolumeFolderPath() const {
     const auto folder = VolumeFolder(store_.settings().storageVolume().view());
-    return folder ? QString::fromStdU16String(folder->u16string()) : QString();
+    return folder ? ToQString(folder->u16string()) : QString();
 }
 
 void PickOpmlPage::Activate() {

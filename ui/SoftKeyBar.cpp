@@ -1,5 +1,6 @@
 #include "ui/SoftKeyBar.h"
 
+#include "ui/QtText.h"
 #include "ui/UiScale.h"
 
 #include <QHBoxLayout>
@@ -58,7 +59,7 @@ SoftKeyBar::SoftKeyBar(CommandHandler onCommand, PopupHandler onPopup, QWidget* 
 void SoftKeyBar::Load(const MenuBar& bar) {
     resource_ = bar.resource;
     leftCommand_ = bar.leftCommand;
-    leftKey_->setText(QString::fromStdU16String(std::u16string(MenuText(bar.leftCommand))));
+    leftKey_->setText(ToQString(MenuText(bar.leftCommand)));
     menu_->clear();
     AddMenuEntries(menu_, bar.menu, [this](QMenu* submenu) { onPopup_(submenu); });
 }
@@ -66,11 +67,12 @@ void SoftKeyBar::Load(const MenuBar& bar) {
 void AddMenuEntries(QMenu* menu, std::span<const MenuEntry> entries,
                     const std::function<void(QMenu*)>& onSubmenuShow) {
     for (const MenuEntry& entry : entries) {
-        const QString text = QString::fromStdU16String(std::u16string(EntryText(entry)));
+        const QString text = ToQString(EntryText(entry));
         if (entry.kind == MenuEntry::kSeparator) {
             menu->addSeparator();
         } else if (entry.kind == MenuEntry::kSubmenu) {
             QMenu* submenu = menu->addMenu(text);
+            submenu->setObjectName(QLatin1StringView(entry.objectName));
             QObject::connect(submenu, &QMenu::aboutToShow, menu,
                              [onSubmenuShow, submenu] { onSubmenuShow(submenu); });
             AddMenuEntries(submenu, entry.entries, onSubmenuShow);

@@ -4,6 +4,7 @@
 #include "ui/App.h"
 #include "ui/DeviceFamily.h"
 #include "ui/MainWindow.h"
+#include "ui/QtText.h"
 #include "ui/Resources.h"
 #include "ui/SingleInstance.h"
 
@@ -39,8 +40,7 @@ int RunQuillfeed(int argc, char** argv) {
     }
     const DataLock lock;
     if (!lock.held()) {
-        QMessageBox::critical(nullptr, QStringLiteral("Quillfeed"),
-                              QString::fromStdU16String(lock.errorText()));
+        QMessageBox::critical(nullptr, QStringLiteral("Quillfeed"), ToQString(lock.errorText()));
         return 1;
     }
     App app(family);

@@ -5,6 +5,7 @@
 #include "net/PictureFiles.h"
 #include "ui/HtmlView.h"
 #include "ui/PageContexts.h"
+#include "ui/QtText.h"
 
 #include <QFileInfo>
 #include <QImageReader>
@@ -58,14 +59,13 @@ void BreakBeforePicture(QTextDocument& document, const QUrl& name) {
 
 StoryPictures::StoryPictures(ChannelStore& store, HtmlView& view)
     : QObject(&view), store_(store), view_(view) {
-    downloader_ = std::make_unique<PictureDownloader>([this](const std::u16string& url,
-                                                             bool saved) {
-        // Runs on a worker: the answer is handed to this object's thread.
-        QMetaObject::invokeMethod(
-            this,
-            [this, address = QString::fromStdU16String(url), saved] { Arrived(address, saved); },
-            Qt::QueuedConnection);
-    });
+    downloader_ =
+        std::make_unique<PictureDownloader>([this](const std::u16string& url, bool saved) {
+            // Runs on a worker: the answer is handed to this object's thread.
+            QMetaObject::invokeMethod(
+                this, [this, address = ToQString(url), saved] { Arrived(address, saved); },
+                Qt::QueuedConnection);
+        });
     view_.SetRemoteImageSupplier([this](const QUrl& name) { return Supply(name); });
     QImageReader::setAllocationLimit(kMaxDecodedMegabytes);
 }
@@ -87,7 +87,7 @@ QString StoryPictures::PathOf(const QString& url) const {
     if (folder.empty()) {
         return {};
     }
-    return QString::fromStdU16String(PicturePath(folder, url.toStdU16String()));
+    return ToQString(PicturePath(folder, url.toStdU16String()));
 }
 
 QImage StoryPictures::Supply(const QUrl& name) {

@@ -7,6 +7,7 @@
 #include "ui/HtmlView.h"
 #include "ui/PageContexts.h"
 #include "ui/ProgressBar.h"
+#include "ui/QtText.h"
 #include "ui/StoryPictures.h"
 
 namespace qf::ui {
@@ -16,7 +17,7 @@ namespace {
 // What the story's relative pictures and links are resolved against: its own link, when that is
 // an http(s) address, and nothing otherwise.
 QUrl BaseOf(const NewsItem& item) {
-    const QUrl link(QString::fromStdU16String(item.link().str()));
+    const QUrl link(ToQString(item.link().str()));
     const QString scheme = link.scheme().toLower();
     const bool web = scheme == QLatin1String("http") || scheme == QLatin1String("https");
     return web && link.isValid() && !link.host().isEmpty() ? link : QUrl();

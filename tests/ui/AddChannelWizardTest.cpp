@@ -151,7 +151,7 @@ TEST_F(AddChannelWizardTest, DirectoryPathMergesTheCheckedChannelsIntoTheirCateg
     EXPECT_EQ(categories[1]->channels()[0]->id(), firstNewId);
     EXPECT_EQ(categories[0]->channels()[1]->id(), firstNewId + 1);
     EXPECT_EQ(categories[0]->channels()[2]->id(), firstNewId + 2);
-    EXPECT_EQ(app.channelsScreen()->model()->rowCount(), 4);
+    EXPECT_EQ(channelsScreen()->model()->rowCount(), 4);
 }
 
 TEST_F(AddChannelWizardTest, CheckingAnItemChecksOnlyWhatLiesBelowIt) {
@@ -206,10 +206,10 @@ TEST_F(AddChannelWizardTest, UrlPathFromTheWelcomeScreenAddsOneChannelWithThePro
         return wizard.result() == QDialog::Accepted;
     };
     app.OnCommand(kCtlNone, kCmdContinue);
-    EXPECT_EQ(app.screen(), kChannelsScreen);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_TRUE(app.store().loaded());
-    ASSERT_EQ(app.channelsScreen()->model()->rowCount(), 1);
-    const Channel* added = app.channelsScreen()->model()->ChannelAt(0);
+    ASSERT_EQ(channelsScreen()->model()->rowCount(), 1);
+    const Channel* added = channelsScreen()->model()->ChannelAt(0);
     EXPECT_EQ(added->xmlUrl().view(), u"http://127.0.0.1:9/typed");
     EXPECT_EQ(added->title().view(), u"Channel #1");
     EXPECT_EQ(added->id(), 1);

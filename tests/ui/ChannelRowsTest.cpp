@@ -17,14 +17,14 @@ namespace {
 class ChannelRowsTest : public UiFixture {
 protected:
     QString Counts(int row) {
-        const ChannelListModel& model = *app().channelsScreen()->model();
+        const ChannelListModel& model = *channelsScreen()->model();
         const QModelIndex index = model.index(row);
         return CountText(model.data(index, ChannelListModel::kUnreadRole).toInt(),
                          model.data(index, ChannelListModel::kTotalRole).toInt(),
-                         app().channelsScreen()->unreadCountAlone());
+                         channelsScreen()->unreadCountAlone());
     }
     bool Bold(int row) {
-        const ChannelListModel& model = *app().channelsScreen()->model();
+        const ChannelListModel& model = *channelsScreen()->model();
         return model.data(model.index(row), ChannelListModel::kLiveUnreadRole).toInt() != 0;
     }
 };
@@ -59,7 +59,7 @@ TEST_F(ChannelRowsTest, NarrowSmartphoneShowsTheUnreadCountAlone) {
     StartApp({true, 12});
     app().mainWindow()->resize(200, 320);
     app().mainWindow()->show();
-    ASSERT_LT(app().channelsScreen()->width(), 240);
+    ASSERT_LT(channelsScreen()->width(), 240);
     EXPECT_EQ(Counts(0), QStringLiteral("3"));
     app().mainWindow()->resize(480, 640);
     QTest::qWait(1);
@@ -72,37 +72,37 @@ TEST_F(ChannelRowsTest, TapOpensAChannelAndRightClickShowsItsMenu) {
     });
     StartApp();
     // A cached feed lets the channel open without a download.
-    Channel* channel = app().channelsScreen()->model()->ChannelAt(0);
+    Channel* channel = channelsScreen()->model()->ChannelAt(0);
     std::filesystem::create_directories(DataFolder());
     qf::test::WriteFileBytes(DataFolder() / ("Channel" + std::to_string(channel->id()) + ".xml"),
                              "<rss version=\"2.0\"><channel><title>Local</title><item>"
                              "<title>Story</title><link>http://127.0.0.1:9/1</link>"
                              "<description>Body</description></item></channel></rss>");
     app().mainWindow()->show();
-    QListView* list = app().channelsScreen()->list();
+    QListView* list = channelsScreen()->list();
     const QRect row = list->visualRect(list->model()->index(0, 0));
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
-    ASSERT_TRUE(WaitFor([this] { return app().screen() == kChannelScreen; }));
+    ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kChannelScreen; }));
     EXPECT_EQ(channel->items().size(), 1u);
     // The second click of a double-click lands on the headline now under the pointer; it opens
     // nothing and marks nothing read.
-    QWidget* headlines = app().channelScreen()->list()->viewport();
+    QWidget* headlines = channelScreen()->list()->viewport();
     for (const QEvent::Type type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
         QMouseEvent second(type, row.center(), headlines->mapToGlobal(row.center()), Qt::LeftButton,
                            type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
         QApplication::sendEvent(headlines, &second);
     }
     QCoreApplication::processEvents();
-    EXPECT_EQ(app().screen(), kChannelScreen);
+    EXPECT_EQ(ShownScreen(), kChannelScreen);
     EXPECT_FALSE(channel->items().front()->isRead());
 
-    app().SetScreen(kChannelsScreen);
+    QTest::keyClick(app().mainWindow(), Qt::Key_Escape);
     emit list->customContextMenuRequested(row.center());
-    ASSERT_TRUE(WaitFor([this] { return app().channelContextMenu()->isVisible(); }));
-    const QList<QAction*> entries = app().channelContextMenu()->actions();
+    ASSERT_TRUE(WaitFor([this] { return ContextMenu()->isVisible(); }));
+    const QList<QAction*> entries = ContextMenu()->actions();
     EXPECT_EQ(entries.first()->text(), QStringLiteral("Show Channel"));
     EXPECT_EQ(entries.last()->text(), QStringLiteral("Channel Properties..."));
-    app().channelContextMenu()->close();
+    ContextMenu()->close();
 }
 
 } // namespace

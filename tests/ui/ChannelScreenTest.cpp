@@ -54,7 +54,7 @@ TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) 
     EXPECT_TRUE(greyRight);
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
     QCoreApplication::processEvents();
-    EXPECT_EQ(app().screen(), kChannelScreen);
+    EXPECT_EQ(ShownScreen(), kChannelScreen);
 }
 
 TEST_F(ChannelScreenTest, MarkAllRepaintsTheRowsAndRefillsTheNewOnlyList) {
@@ -79,12 +79,12 @@ TEST_F(ChannelScreenTest, KeyboardMovesOpensGoesBackAndStepsChannels) {
     // The first row is current once the list has the focus.
     QTest::keyClick(list, Qt::Key_Down);
     QTest::keyClick(list, Qt::Key_Return);
-    ASSERT_TRUE(WaitFor([this] { return app().screen() == kStoryScreen; }));
-    EXPECT_EQ(app().storyScreen()->item(), news().model()->ItemAt(1));
-    EXPECT_TRUE(app().storyScreen()->view()->hasFocus());
+    ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kStoryScreen; }));
+    EXPECT_EQ(storyScreen()->item(), news().model()->ItemAt(1));
+    EXPECT_TRUE(storyScreen()->view()->hasFocus());
 
     QTest::keyClick(app().mainWindow(), Qt::Key_Escape);
-    ASSERT_EQ(app().screen(), kChannelScreen);
+    ASSERT_EQ(ShownScreen(), kChannelScreen);
     EXPECT_TRUE(list->hasFocus());
     EXPECT_EQ(news().SelectedItem(), news().model()->ItemAt(1));
     QTest::keyClick(list, Qt::Key_Right);

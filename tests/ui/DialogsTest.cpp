@@ -35,7 +35,7 @@ protected:
 TEST_F(DialogsTest, PropertiesShowTheChannelAndDoneStoresAddressAndTitle) {
     WriteOneChannel();
     StartApp();
-    app().channelsScreen()->SelectRow(First());
+    channelsScreen()->SelectRow(First());
     QStringList shown;
     onDialog_ = [&shown](QDialog& dialog) {
         auto& properties = dynamic_cast<ChannelPropertiesDialog&>(dialog);
@@ -61,7 +61,7 @@ TEST_F(DialogsTest, PropertiesShowTheChannelAndDoneStoresAddressAndTitle) {
 TEST_F(DialogsTest, PropertiesCancelledChangeNothing) {
     WriteOneChannel();
     StartApp();
-    app().channelsScreen()->SelectRow(First());
+    channelsScreen()->SelectRow(First());
     onDialog_ = [](QDialog& dialog) {
         dynamic_cast<ChannelPropertiesDialog&>(dialog).title()->setText(QStringLiteral("New"));
         dialog.reject();

@@ -27,21 +27,21 @@ protected:
             }
         });
     }
-    int Rows() { return app().channelsScreen()->model()->rowCount(); }
+    int Rows() { return channelsScreen()->model()->rowCount(); }
 };
 
 TEST_F(FrameTest, FirstRunShowsWelcomeAndContinueOpensTheChannelsScreen) {
     App& app = StartApp();
-    EXPECT_EQ(app.screen(), kWelcomeScreen);
+    EXPECT_EQ(ShownScreen(), kWelcomeScreen);
     EXPECT_EQ(app.mainWindow()->windowTitle(), QStringLiteral("Quillfeed"));
-    EXPECT_TRUE(app.welcomeScreen()->view()->toPlainText().contains(u"Welcome to Quillfeed!"));
+    EXPECT_TRUE(welcomeScreen()->view()->toPlainText().contains(u"Welcome to Quillfeed!"));
     EXPECT_EQ(app.mainWindow()->softKeys()->leftKey()->text(), QStringLiteral("Continue"));
-    EXPECT_EQ(app.autoUpdateTimer(), nullptr);
+    EXPECT_EQ(AutoUpdateTimer(), nullptr);
 
     // F1 is the left soft key.
     app.mainWindow()->show();
     QTest::keyClick(app.mainWindow(), Qt::Key_F1);
-    EXPECT_EQ(app.screen(), kChannelsScreen);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_TRUE(app.store().loaded());
     EXPECT_EQ(app.mainWindow()->softKeys()->leftKey()->text(), QStringLiteral("New"));
     QuitApp();
@@ -50,17 +50,17 @@ TEST_F(FrameTest, FirstRunShowsWelcomeAndContinueOpensTheChannelsScreen) {
 
 TEST_F(FrameTest, StoreFileOpensTheChannelsScreenWithTheAutoUpdateTimerExceptOnASmartphone) {
     WriteCategories(2);
-    App& app = StartApp();
-    EXPECT_EQ(app.screen(), kChannelsScreen);
+    StartApp();
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_EQ(Rows(), 2);
-    ASSERT_NE(app.autoUpdateTimer(), nullptr);
-    EXPECT_TRUE(app.autoUpdateTimer()->isActive());
-    EXPECT_EQ(app.autoUpdateTimer()->interval(), 30000);
+    ASSERT_NE(AutoUpdateTimer(), nullptr);
+    EXPECT_TRUE(AutoUpdateTimer()->isActive());
+    EXPECT_EQ(AutoUpdateTimer()->interval(), 30000);
     QuitApp();
 
-    App& smartphone = StartApp({true, 12});
-    EXPECT_EQ(smartphone.screen(), kChannelsScreen);
-    EXPECT_EQ(smartphone.autoUpdateTimer(), nullptr);
+    StartApp({true, 12});
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
+    EXPECT_EQ(AutoUpdateTimer(), nullptr);
 }
 
 // A store never loaded is not written at exit; the settings are.
@@ -81,11 +81,11 @@ TEST_F(FrameTest, WindowStartsPhoneSizedAndComesBackAsItWasLeft) {
 TEST_F(FrameTest, UnreadableStoreFileIsReportedAndAnEmptyListShown) {
     std::filesystem::create_directories(DataFolder());
     qf::test::WriteFileBytes(DataFolder() / "QFChannels.opml", "<opml><body>");
-    App& app = StartApp();
+    StartApp();
     ASSERT_EQ(told_.size(), 1);
     EXPECT_TRUE(told_[0].startsWith(QStringLiteral("Failed to open Channels file '")));
     EXPECT_TRUE(told_[0].endsWith(QStringLiteral("QFChannels.opml'.")));
-    EXPECT_EQ(app.screen(), kChannelsScreen);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_EQ(Rows(), 0);
 }
 
@@ -101,7 +101,7 @@ TEST_F(FrameTest, UnreadableStoreFileOffersTheNewestBackupInItsPlace) {
     const std::string newest = qf::test::ReadFileBytes(backups / "QFChannels-2024-03-05.opml");
     qf::test::WriteFileBytes(DataFolder() / "QFChannels.opml", "<opml><body>");
 
-    App& app = StartApp();
+    StartApp();
     ASSERT_EQ(asked_.size(), 1);
     EXPECT_TRUE(asked_[0].startsWith(QStringLiteral("Failed to open Channels file '")));
     EXPECT_TRUE(asked_[0].contains(QStringLiteral("QFChannels.opml'.")));
@@ -111,7 +111,7 @@ TEST_F(FrameTest, UnreadableStoreFileOffersTheNewestBackupInItsPlace) {
     EXPECT_EQ(qf::test::ReadFileBytes(DataFolder() / "QFChannels.opml.broken"), "<opml><body>");
     ASSERT_EQ(told_.size(), 1);
     EXPECT_TRUE(told_[0].contains(QStringLiteral("QFChannels.opml.broken")));
-    EXPECT_EQ(app.screen(), kChannelsScreen);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
 }
 
 TEST_F(FrameTest, BackKeyStepsBackThroughTheScreensAndThenMinimises) {
@@ -120,36 +120,36 @@ TEST_F(FrameTest, BackKeyStepsBackThroughTheScreensAndThenMinimises) {
     app.mainWindow()->show();
     app.SetScreen(kStoryScreen);
     QTest::keyClick(app.mainWindow(), Qt::Key_Escape);
-    EXPECT_EQ(app.screen(), kChannelScreen);
+    EXPECT_EQ(ShownScreen(), kChannelScreen);
     QTest::keyClick(app.mainWindow(), Qt::Key_Escape);
-    EXPECT_EQ(app.screen(), kChannelsScreen);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
     QTest::keyClick(app.mainWindow(), Qt::Key_Escape);
-    EXPECT_EQ(app.screen(), kChannelsScreen);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_TRUE(app.mainWindow()->isMinimized());
 }
 
 TEST_F(FrameTest, BackCommandGoesToTheChannelsScreenUntilTheStoreIsLoaded) {
     App& app = StartApp();
     EXPECT_TRUE(app.OnCommand(kCtlNone, kCmdBack));
-    EXPECT_EQ(app.screen(), kChannelsScreen);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
     app.SetScreen(kStoryScreen);
     app.OnCommand(kCtlNone, kCmdBack);
-    EXPECT_EQ(app.screen(), kChannelsScreen);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
 
     app.store().SetLoaded(true);
     app.SetScreen(kStoryScreen);
     app.OnCommand(kCtlNone, kCmdBack);
-    EXPECT_EQ(app.screen(), kChannelScreen);
+    EXPECT_EQ(ShownScreen(), kChannelScreen);
 }
 
 TEST_F(FrameTest, CommandsActOnlyOnTheScreensTheyBelongTo) {
     App& app = StartApp();
     EXPECT_TRUE(app.OnCommand(kCtlNone, kCmdTextLargest));
     EXPECT_EQ(app.store().settings().textSize(), 4);
-    EXPECT_EQ(app.welcomeScreen()->view()->textSizeLevel(), 4);
+    EXPECT_EQ(welcomeScreen()->view()->textSizeLevel(), 4);
     EXPECT_TRUE(app.OnCommand(kCtlNone, kCmdClearType));
     EXPECT_EQ(app.store().settings().clearType(), 0);
-    EXPECT_FALSE(app.welcomeScreen()->view()->clearType());
+    EXPECT_FALSE(welcomeScreen()->view()->clearType());
     EXPECT_FALSE(app.OnCommand(kCtlNone, kCmdRefreshAll));
     EXPECT_FALSE(app.OnCommand(kCtlNone, 12345));
 
@@ -172,7 +172,7 @@ TEST_F(FrameTest, NewChannelsOnlyHidesChannelsWithoutUnreadStories) {
     app.OnCommand(kCtlNone, kCmdNewChannelsOnly);
     EXPECT_EQ(app.store().newChannels(), 1);
     ASSERT_EQ(Rows(), 1);
-    EXPECT_EQ(app.channelsScreen()->model()->ChannelAt(0)->title(), u"Unread");
+    EXPECT_EQ(channelsScreen()->model()->ChannelAt(0)->title(), u"Unread");
 }
 
 TEST_F(FrameTest, EveryMenuCommandAboveTheCategoryBaseChoosesACategory) {
@@ -183,7 +183,7 @@ TEST_F(FrameTest, EveryMenuCommandAboveTheCategoryBaseChoosesACategory) {
     app.OnCommand(kCtlNone, kCmdNew);
     EXPECT_EQ(app.store().categoryId(), 7);
     ASSERT_EQ(Rows(), 1);
-    EXPECT_EQ(app.channelsScreen()->model()->ChannelAt(0)->title(), u"Channel of Category H");
+    EXPECT_EQ(channelsScreen()->model()->ChannelAt(0)->title(), u"Channel of Category H");
     app.OnCommand(kCtlNone, kCmdAllCategories);
     EXPECT_EQ(app.store().categoryId(), -1);
     EXPECT_EQ(Rows(), 9);
@@ -192,7 +192,7 @@ TEST_F(FrameTest, EveryMenuCommandAboveTheCategoryBaseChoosesACategory) {
 TEST_F(FrameTest, RefreshDoneRunsItsCompletionOnlyWithChannelAndCompletion) {
     WriteCategories(1);
     App& app = StartApp();
-    Channel* channel = app.channelsScreen()->model()->ChannelAt(0);
+    Channel* channel = channelsScreen()->model()->ChannelAt(0);
     int runs = 0;
     PostRefreshDone(app.mainWindow(), nullptr, [&runs](Channel&) { ++runs; });
     PostRefreshDone(app.mainWindow(), channel, {});
@@ -207,7 +207,7 @@ TEST_F(FrameTest, RefreshDoneRunsItsCompletionOnlyWithChannelAndCompletion) {
 TEST_F(FrameTest, DeletingAChannelAsksFirstThenRemovesItsRowAndFiles) {
     WriteCategories(2);
     App& app = StartApp();
-    ChannelsScreen& screen = *app.channelsScreen();
+    ChannelsScreen& screen = *channelsScreen();
     Channel* doomed = screen.model()->ChannelAt(0);
     const std::string doomedTitle = doomed->title().toUtf8();
     const std::string keptTitle = screen.model()->ChannelAt(1)->title().toUtf8();

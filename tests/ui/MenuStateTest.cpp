@@ -40,13 +40,14 @@ TEST_F(MenuStateTest, ChannelEntriesNeedASelectedRowAndRefreshTextFollowsBusy) {
     }
     EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Refresh All Channels"));
 
-    app().channelsScreen()->SelectRow(app().channelsScreen()->model()->ChannelAt(0));
+    channelsScreen()->SelectRow(channelsScreen()->model()->ChannelAt(0));
     app().store().refresh().Start();
     OpenMenu();
     EXPECT_TRUE(MenuEntry(kCmdDeleteChannel)->isEnabled());
     EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Stop Refresh"));
     // The category list is left alone while a refresh runs.
-    QMenu* categories = OpenMenu(QStringLiteral("View"))->actions().first()->menu();
+    QMenu* categories = OpenMenu(QStringLiteral("View"))
+                            ->findChild<QMenu*>(QLatin1StringView(kCategorySubmenuName));
     EXPECT_EQ(categories->actions().size(), 1);
     app().store().refresh().Finish();
 }
@@ -54,7 +55,8 @@ TEST_F(MenuStateTest, ChannelEntriesNeedASelectedRowAndRefreshTextFollowsBusy) {
 TEST_F(MenuStateTest, CategorySubmenuListsTheCategoriesAndChecksTheShownOne) {
     StartWithCategories({u"World", u"Sports", u"Tech"});
     OpenMenu(QStringLiteral("View"));
-    QMenu* categories = OpenMenu(QStringLiteral("View"))->actions().first()->menu();
+    QMenu* categories = OpenMenu(QStringLiteral("View"))
+                            ->findChild<QMenu*>(QLatin1StringView(kCategorySubmenuName));
     ASSERT_NE(categories, nullptr);
     EXPECT_EQ(categories->actions().size(), 4);
     EXPECT_EQ(categories->actions()[2]->text(), QStringLiteral("Sports"));
@@ -62,7 +64,7 @@ TEST_F(MenuStateTest, CategorySubmenuListsTheCategoriesAndChecksTheShownOne) {
 
     categories->actions()[2]->trigger();
     EXPECT_EQ(app().store().categoryId(), 1);
-    EXPECT_EQ(app().channelsScreen()->model()->rowCount(), 1);
+    EXPECT_EQ(channelsScreen()->model()->rowCount(), 1);
     OpenMenu(QStringLiteral("View"));
     EXPECT_EQ(Checked(categories), QStringList{QStringLiteral("Sports")});
     EXPECT_FALSE(MenuEntry(kCmdNewChannelsOnly)->isChecked());
@@ -70,7 +72,8 @@ TEST_F(MenuStateTest, CategorySubmenuListsTheCategoriesAndChecksTheShownOne) {
 
 TEST_F(MenuStateTest, CategoriesSharingACommandNumberStayEnabled) {
     StartWithCategories({u"A", u"B", u"C", u"D", u"E", u"F", u"G", u"H", u"I"});
-    QMenu* categories = OpenMenu(QStringLiteral("View"))->actions().first()->menu();
+    QMenu* categories = OpenMenu(QStringLiteral("View"))
+                            ->findChild<QMenu*>(QLatin1StringView(kCategorySubmenuName));
     emit categories->aboutToShow();
     // The ninth category is entry 40109, the number of "Delete Channel", which needs a row.
     EXPECT_EQ(categories->actions().last()->text(), QStringLiteral("I"));

@@ -57,18 +57,18 @@ protected:
         return DataFolder() / ToFsPath(FeedFileName(id));
     }
     void OpenChannel(int row) {
-        app().channelsScreen()->SelectRow(app().channelsScreen()->model()->ChannelAt(row));
+        channelsScreen()->SelectRow(channelsScreen()->model()->ChannelAt(row));
         app().OnCommand(kCtlNone, kCmdShowChannel);
-        ASSERT_EQ(app().screen(), kChannelScreen);
+        ASSERT_EQ(ShownScreen(), kChannelScreen);
     }
     // Clicks the news list's row and waits for the story screen.
     void OpenStory(int row) {
         QListView* list = news().list();
         const QRect rect = list->visualRect(news().model()->index(row));
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, rect.center());
-        ASSERT_TRUE(WaitFor([this] { return app().screen() == kStoryScreen; }));
+        ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kStoryScreen; }));
     }
-    ChannelScreen& news() { return *app().channelScreen(); }
+    ChannelScreen& news() { return *channelScreen(); }
     QStringList Titles() {
         QStringList titles;
         for (int row = 0; row < news().model()->rowCount(); ++row) {
@@ -80,7 +80,7 @@ protected:
         return news().model()->index(row).data(NewsListModel::kReadRole).toBool();
     }
     int UnreadOnChannelsScreen() {
-        const ChannelListModel& model = *app().channelsScreen()->model();
+        const ChannelListModel& model = *channelsScreen()->model();
         return model.index(0).data(ChannelListModel::kUnreadRole).toInt();
     }
 };

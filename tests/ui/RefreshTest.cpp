@@ -44,9 +44,9 @@ protected:
         });
         StartApp();
     }
-    Channel& Row(int row) { return *app().channelsScreen()->model()->ChannelAt(row); }
+    Channel& Row(int row) { return *channelsScreen()->model()->ChannelAt(row); }
     int Icon(int row) {
-        const ChannelListModel& model = *app().channelsScreen()->model();
+        const ChannelListModel& model = *channelsScreen()->model();
         return model.data(model.index(row), ChannelListModel::kIconRole).toInt();
     }
     void RunFromMenu() {
@@ -61,7 +61,7 @@ protected:
 TEST_F(RefreshTest, RefreshAllFromTheMenuUpdatesRowsUntilTheStopButtonEndsIt) {
     StartWithServer();
     RunFromMenu();
-    ASSERT_TRUE(app().channelsScreen()->progressShown());
+    ASSERT_TRUE(channelsScreen()->progressShown());
     ASSERT_TRUE(WaitFor([this] { return Icon(2) == kChannelUpdating; }));
     EXPECT_EQ(Icon(0), kChannelIdle);
     EXPECT_EQ(Row(0).itemCount(), 3);
@@ -72,59 +72,59 @@ TEST_F(RefreshTest, RefreshAllFromTheMenuUpdatesRowsUntilTheStopButtonEndsIt) {
     OpenMenu();
     EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Stop Refresh"));
 
-    app().channelsScreen()->progress()->stopButton()->click();
+    channelsScreen()->progress()->stopButton()->click();
     EXPECT_TRUE(app().store().refresh().abortRequested());
     ASSERT_TRUE(WaitFor([this] { return !app().store().refresh().busy(); }));
     ASSERT_TRUE(WaitFor([this] { return Icon(2) != kChannelUpdating; }));
-    EXPECT_TRUE(WaitFor([this] { return !app().channelsScreen()->progressShown(); }));
+    EXPECT_TRUE(WaitFor([this] { return !channelsScreen()->progressShown(); }));
     OpenMenu();
     EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Refresh All Channels"));
 }
 
 TEST_F(RefreshTest, DownloadChannelUpdatesOnlyTheSelectedRow) {
     StartWithServer();
-    app().channelsScreen()->SelectRow(&Row(0));
+    channelsScreen()->SelectRow(&Row(0));
     app().OnCommand(kCtlNone, kCmdDownloadChannel);
     ASSERT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3 && Icon(0) == kChannelIdle; }));
-    EXPECT_TRUE(WaitFor([this] { return !app().channelsScreen()->progressShown(); }));
+    EXPECT_TRUE(WaitFor([this] { return !channelsScreen()->progressShown(); }));
     EXPECT_EQ(server_.hits("/missing"), 0);
     EXPECT_FALSE(app().store().refresh().busy());
 }
 
 TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItFirst) {
     StartWithServer();
-    app().channelsScreen()->SelectRow(&Row(0));
+    channelsScreen()->SelectRow(&Row(0));
     app().OnCommand(kCtlNone, kCmdShowChannel);
-    EXPECT_EQ(app().screen(), kChannelsScreen);
-    ASSERT_TRUE(WaitFor([this] { return app().screen() == kChannelScreen; }));
-    EXPECT_EQ(app().channelScreen()->channel(), &Row(0));
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
+    ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kChannelScreen; }));
+    EXPECT_EQ(channelScreen()->channel(), &Row(0));
     EXPECT_EQ(Row(0).items().size(), 3u);
     EXPECT_EQ(server_.hits("/good"), 1);
 }
 
 TEST_F(RefreshTest, FailedRefreshChannelEndsLikeADoneOne) {
     StartWithServer();
-    app().channelScreen()->ShowChannel(&Row(1));
+    channelScreen()->ShowChannel(&Row(1));
     app().SetScreen(kChannelScreen);
     app().OnCommand(kCtlNone, kCmdRefreshChannel);
     ASSERT_TRUE(WaitFor([this] { return Icon(1) == kChannelFailed; }));
-    EXPECT_FALSE(app().channelScreen()->progress()->isVisibleTo(app().channelScreen()));
+    EXPECT_FALSE(channelScreen()->progress()->isVisibleTo(channelScreen()));
     EXPECT_FALSE(app().store().refresh().busy());
     EXPECT_FALSE(app().store().refresh().stopRequested());
     OpenMenu();
     EXPECT_EQ(MenuEntry(kCmdRefreshChannel)->text(), QStringLiteral("Refresh Channel"));
     // Nothing is left in the way of the automatic update.
     app().store().SetAutoUpdate(1);
-    app().OnAutoUpdateTimer();
+    FireAutoUpdate();
     EXPECT_TRUE(app().store().refresh().busy());
     EXPECT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3; }));
-    app().channelsScreen()->progress()->stopButton()->click();
+    channelsScreen()->progress()->stopButton()->click();
     EXPECT_TRUE(WaitFor([this] { return !app().store().refresh().busy(); }));
 }
 
 TEST_F(RefreshTest, MarkAllFollowsTheCachedStoriesAndSurvivesTheSave) {
     StartWithServer();
-    app().channelsScreen()->SelectRow(&Row(0));
+    channelsScreen()->SelectRow(&Row(0));
     app().OnCommand(kCtlNone, kCmdDownloadChannel);
     ASSERT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3 && Icon(0) == kChannelIdle; }));
     app().OnCommand(kCtlNone, kCmdMarkAllRead);
@@ -150,14 +150,12 @@ protected:
         server_.addRoute({"/news", 200, feed + "</channel></rss>"});
         News().SetXmlUrl(WString(server_.url("/news")));
     }
-    Channel& News() { return *app().channelsScreen()->model()->ChannelAt(0); }
+    Channel& News() { return *channelsScreen()->model()->ChannelAt(0); }
     bool Live(const NewsItem* item) {
         return std::ranges::any_of(News().items(),
                                    [item](const auto& live) { return live.get() == item; });
     }
-    QString ShownTitle() {
-        return QString::fromStdU16String(app().storyScreen()->item()->title().str());
-    }
+    QString ShownTitle() { return QString::fromStdU16String(storyScreen()->item()->title().str()); }
 
     qf::test::TestServer server_;
 };
@@ -169,17 +167,17 @@ TEST_F(RefreshUnderReaderTest, OpenScreensMoveToTheNewStoriesWhenARefreshLands) 
     ASSERT_EQ(ShownTitle(), QStringLiteral("Charlie"));
     // The automatic update lands while the story is read.
     app().store().SetAutoUpdate(1);
-    app().OnAutoUpdateTimer();
+    FireAutoUpdate();
     ASSERT_TRUE(
         WaitFor([this] { return News().items().size() == 5 && !app().store().refresh().busy(); }));
     EXPECT_EQ(Titles(), QStringList({"Echo", "Alpha", "Bravo", "Charlie", "Delta"}));
-    EXPECT_TRUE(Live(app().storyScreen()->item()));
+    EXPECT_TRUE(Live(storyScreen()->item()));
     EXPECT_EQ(ShownTitle(), QStringLiteral("Charlie"));
-    EXPECT_EQ(news().SelectedItem(), app().storyScreen()->item());
+    EXPECT_EQ(news().SelectedItem(), storyScreen()->item());
     app().OnCommand(kCtlNone, kCmdPreviousNews);
     app().OnCommand(kCtlNone, kCmdPreviousNews);
     EXPECT_EQ(ShownTitle(), QStringLiteral("Alpha"));
-    EXPECT_TRUE(Live(app().storyScreen()->item()) && app().storyScreen()->item()->isRead());
+    EXPECT_TRUE(Live(storyScreen()->item()) && storyScreen()->item()->isRead());
     EXPECT_EQ(News().newItemCount(), 1);
 
     // A tap made before a refresh lands opens and marks the story that took the tapped one's place.
@@ -187,9 +185,9 @@ TEST_F(RefreshUnderReaderTest, OpenScreensMoveToTheNewStoriesWhenARefreshLands) 
     const QRect echo = news().list()->visualRect(news().model()->index(0));
     QTest::mouseClick(news().list()->viewport(), Qt::LeftButton, {}, echo.center());
     ASSERT_TRUE(app().engine().UpdateChannel(News(), 0));
-    ASSERT_TRUE(WaitFor([this] { return app().screen() == kStoryScreen; }));
+    ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kStoryScreen; }));
     EXPECT_EQ(ShownTitle(), QStringLiteral("Echo"));
-    EXPECT_TRUE(Live(app().storyScreen()->item()));
+    EXPECT_TRUE(Live(storyScreen()->item()));
     EXPECT_EQ(News().newItemCount(), 0);
     EXPECT_EQ(UnreadOnChannelsScreen(), 0);
     QuitApp();

@@ -94,7 +94,7 @@ protected:
             ToFsPath(PicturePath(FromFsPath(DataFolder()), server.url(path))));
     }
 
-    StoryScreen* screen() { return app().storyScreen(); }
+    StoryScreen* screen() { return storyScreen(); }
     HtmlView* view() { return screen()->view(); }
     bool Settled() { return screen()->pictures()->pending() == 0; }
 

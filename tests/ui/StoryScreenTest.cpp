@@ -14,7 +14,7 @@ namespace {
 class StoryScreenTest : public NewsFixture {
 protected:
     QString Shown() {
-        const NewsItem* item = app().storyScreen()->item();
+        const NewsItem* item = storyScreen()->item();
         return item == nullptr ? QString() : QString::fromStdU16String(item->title().str());
     }
     bool Enabled(int command) {
@@ -28,7 +28,7 @@ TEST_F(StoryScreenTest, OpeningAStoryMarksItReadOnBothScreensAndInTheCachedFeed)
     OpenChannel(0);
     OpenStory(2);
     EXPECT_EQ(Shown(), QStringLiteral("Charlie"));
-    EXPECT_TRUE(app().storyScreen()->view()->toPlainText().contains(QStringLiteral("Body")));
+    EXPECT_TRUE(storyScreen()->view()->toPlainText().contains(QStringLiteral("Body")));
     EXPECT_TRUE(Read(2));
     EXPECT_EQ(UnreadOnChannelsScreen(), 1);
     // A read story opened again changes no count.
@@ -51,7 +51,7 @@ TEST_F(StoryScreenTest, PreviousAndNextFollowTheSortedList) {
     OpenStory(1); // Delta, between Bravo and Alpha
     app().OnCommand(kCtlNone, kCmdNextNews);
     EXPECT_EQ(Shown(), QStringLiteral("Alpha"));
-    QTest::keyClick(app().storyScreen()->view(), Qt::Key_Right);
+    QTest::keyClick(storyScreen()->view(), Qt::Key_Right);
     ASSERT_TRUE(WaitFor([this] { return Shown() == QStringLiteral("Charlie"); }));
     EXPECT_FALSE(Enabled(kCmdNextNews));
     for (int command : {kCmdDownloadPodcast, kCmdPlayPodcast, kCmdCopyPodcast, kCmdDeletePodcast}) {
@@ -59,7 +59,7 @@ TEST_F(StoryScreenTest, PreviousAndNextFollowTheSortedList) {
     }
     app().OnCommand(kCtlNone, kCmdPreviousNews);
     EXPECT_EQ(Shown(), QStringLiteral("Alpha"));
-    EXPECT_EQ(news().SelectedItem(), app().storyScreen()->item());
+    EXPECT_EQ(news().SelectedItem(), storyScreen()->item());
 }
 
 TEST_F(StoryScreenTest, NewOnlyListLosesTheOpenedStoryAndStepsFromItsPlace) {
@@ -93,7 +93,7 @@ TEST_F(StoryScreenTest, LinksGoToTheBrowserWithoutTheLocalPrefixWhileTheWindowIs
     EXPECT_FALSE(app().mainWindow()->isMinimized());
     EXPECT_FALSE(app().mainWindow()->softKeys()->isHidden());
 
-    HtmlView* view = app().storyScreen()->view();
+    HtmlView* view = storyScreen()->view();
     QTextCursor link = view->document()->find(QStringLiteral("visit"));
     link.setPosition(link.selectionStart() + 2);
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->cursorRect(link).center());
@@ -107,7 +107,7 @@ TEST_F(StoryScreenTest, LinksGoToTheBrowserWithoutTheLocalPrefixWhileTheWindowIs
     EXPECT_EQ(opened_, QList<QUrl>({QUrl(QStringLiteral("http://127.0.0.1/local")),
                                     QUrl(QStringLiteral("http://127.0.0.1/x")),
                                     QUrl(QStringLiteral("http://127.0.0.1/?page=qf_x"))}));
-    EXPECT_FALSE(app().hiddenForBrowser());
+    EXPECT_FALSE(app().mainWindow()->softKeys()->isHidden());
     EXPECT_FALSE(app().mainWindow()->isMinimized());
     EXPECT_TRUE(view->toPlainText().isEmpty());
 }
@@ -122,7 +122,7 @@ TEST_F(StoryScreenTest, RelativeLinksLeadFromTheStorysOwnAddress) {
                       {"Nowhere", "", false, "", links}});
     OpenChannel(0);
     OpenStory(0);
-    HtmlView* view = app().storyScreen()->view();
+    HtmlView* view = storyScreen()->view();
     const auto click = [&](const QString& text) {
         QTextCursor link = view->document()->find(text);
         link.setPosition(link.selectionStart() + 1);

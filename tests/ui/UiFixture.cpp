@@ -4,13 +4,18 @@
 #include "platform/FsPath.h"
 #include "store/ChannelStoreFile.h"
 #include "ui/AddChannelWizard.h"
+#include "ui/ChannelScreen.h"
+#include "ui/ChannelsScreen.h"
 #include "ui/MainWindow.h"
 #include "ui/SoftKeyBar.h"
+#include "ui/StoryScreen.h"
+#include "ui/WelcomeScreen.h"
 
 #include <QCoreApplication>
 #include <QDialog>
 #include <QMenu>
 #include <QTest>
+#include <QTimer>
 
 namespace qf::ui::test {
 
@@ -95,6 +100,52 @@ QMenu* UiFixture::OpenMenu(const QString& submenu) {
 
 QAction* UiFixture::MenuEntry(int command) {
     return FindCommand(app_->mainWindow()->softKeys()->menu(), command);
+}
+
+WelcomeScreen* UiFixture::welcomeScreen() const {
+    return app_->mainWindow()->findChild<WelcomeScreen*>();
+}
+
+ChannelsScreen* UiFixture::channelsScreen() const {
+    return app_->mainWindow()->findChild<ChannelsScreen*>();
+}
+
+ChannelScreen* UiFixture::channelScreen() const {
+    return app_->mainWindow()->findChild<ChannelScreen*>();
+}
+
+StoryScreen* UiFixture::storyScreen() const {
+    return app_->mainWindow()->findChild<StoryScreen*>();
+}
+
+Screen UiFixture::ShownScreen() const {
+    const QWidget* shown = app_->mainWindow()->currentScreen();
+    if (shown == nullptr) {
+        return kNoScreen;
+    }
+    for (const auto& [screen, widget] :
+         {std::pair<Screen, QWidget*>{kWelcomeScreen, welcomeScreen()},
+          {kChannelsScreen, channelsScreen()},
+          {kChannelScreen, channelScreen()},
+          {kStoryScreen, storyScreen()}}) {
+        if (shown == widget) {
+            return screen;
+        }
+    }
+    return kNoScreen;
+}
+
+QMenu* UiFixture::ContextMenu() const {
+    return app_->mainWindow()->findChild<QMenu*>(QStringLiteral("ChannelContextMenu"));
+}
+
+QTimer* UiFixture::AutoUpdateTimer() const {
+    return app_->findChild<QTimer*>(QStringLiteral("100"));
+}
+
+void UiFixture::FireAutoUpdate() {
+    ASSERT_NE(AutoUpdateTimer(), nullptr);
+    QMetaObject::invokeMethod(AutoUpdateTimer(), "timeout");
 }
 
 bool UiFixture::WaitFor(const std::function<bool()>& done) {

@@ -16,8 +16,14 @@ class QAction;
 class QDialog;
 class QMenu;
 
+class QTimer;
+
 namespace qf::ui {
 class AddChannelWizard;
+class ChannelScreen;
+class ChannelsScreen;
+class StoryScreen;
+class WelcomeScreen;
 } // namespace qf::ui
 
 namespace qf::ui::test {
@@ -46,6 +52,19 @@ protected:
     // and the submenu with `caption` in it when one is named.
     QMenu* OpenMenu(const QString& submenu = {});
     QAction* MenuEntry(int command);
+
+    // The main window's widgets, found as a user's tools would find them.
+    WelcomeScreen* welcomeScreen() const;
+    ChannelsScreen* channelsScreen() const;
+    ChannelScreen* channelScreen() const;
+    StoryScreen* storyScreen() const;
+    // Which screen the main window shows.
+    Screen ShownScreen() const;
+    QMenu* ContextMenu() const;
+    // The automatic update's timer; nullptr when there is none.
+    QTimer* AutoUpdateTimer() const;
+    // What the timer does when its period is up.
+    void FireAutoUpdate();
     // Runs queued events until `done` holds or a few seconds pass.
     static bool WaitFor(const std::function<bool()>& done);
 

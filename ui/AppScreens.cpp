@@ -1,0 +1,117 @@
+#include "ui/AppScreens.h"
+
+#include "model/ChannelStore.h"
+#include "model/ViewerSettings.h"
+#include "ui/ChannelScreen.h"
+#include "ui/ChannelsScreen.h"
+#include "ui/HtmlView.h"
+#include "ui/MainWindow.h"
+#include "ui/MenuTables.h"
+#include "ui/SoftKeyBar.h"
+#include "ui/StoryScreen.h"
+#include "ui/WelcomeScreen.h"
+
+namespace qf::ui {
+
+AppScreens::AppScreens(MainWindow& window, ChannelStore& store, DeviceFamily family)
+    : window_(window), store_(store), welcome_(new WelcomeScreen(&window, family, &window)),
+      channels_(new ChannelsScreen(&window, store, family, &window)),
+      channel_(new ChannelScreen(&window, store, family, &window)),
+      story_(new StoryScreen(&window, store, &window)) {
+    for (QWidget* screen : {static_cast<QWidget*>(welcome_), static_cast<QWidget*>(channels_),
+                            static_cast<QWidget*>(channel_), static_cast<QWidget*>(story_)}) {
+        window_.AddScreen(screen);
+    }
+    const ViewerSettings& settings = store.settings();
+    for (HtmlView* view : {welcome_->view(), story_->view()}) {
+        view->SetTextSize(settings.shownTextSize());
+        view->SetFitToScreen(settings.fitToScreen() != 0);
+        view->SetClearType(settings.clearType() != 0);
+    }
+}
+
+QWidget* AppScreens::Widget(Screen screen) const {
+    switch (screen) {
+    case kWelcomeScreen:
+        return welcome_;
+    case kChannelsScreen:
+        return channels_;
+    case kChannelScreen:
+        return channel_;
+    case kStoryScreen:
+        return story_;
+    default:
+        return nullptr;
+    }
+}
+
+void AppScreens::Show(Screen screen) {
+    if (screen == current_ || Widget(screen) == nullptr) {
+        return;
+    }
+    window_.softKeys()->Load(MenuBarFor(screen));
+    window_.ShowScreen(Widget(screen));
+    current_ = screen;
+}
+
+void AppScreens::Back() {
+    switch (current_) {
+    case kWelcomeScreen:
+    case kChannelsScreen:
+        window_.showMinimized();
+        break;
+    case kChannelScreen:
+        Show(kChannelsScreen);
+        break;
+    case kStoryScreen:
+        Show(kChannelScreen);
+        break;
+    default:
+        break;
+    }
+}
+
+void AppScreens::Reactivate() {
+    if (hiddenForBrowser_) {
+        window_.showNormal();
+        hiddenForBrowser_ = false;
+    }
+    SoftKeyBar* softKeys = window_.softKeys();
+    if (softKeys->isHidden()) {
+        softKeys->Load(MenuBarFor(current_));
+        softKeys->show();
+    }
+}
+
+void AppScreens::HideForBrowser() {
+    hiddenForBrowser_ = true;
+    // Minimised rather than hidden: a hidden window could not be brought back from the task bar.
+    window_.showMinimized();
+    window_.softKeys()->hide();
+}
+
+void AppScreens::RefillChannels() {
+    channels_->FillList(store_.categoryId(), store_.newChannels() != 0);
+}
+
+void AppScreens::SetLinkHandler(const std::function<void(const QString& target)>& handler) {
+    for (HtmlView* view : {story_->view(), channel_->banner()}) {
+        view->SetLinkHandler(handler);
+    }
+}
+
+void AppScreens::ShowProgress(bool shown) {
+    channels_->ShowProgress(shown);
+    channel_->ShowProgress(shown);
+    story_->ShowProgress(shown);
+}
+
+std::array<ProgressBar*, 3> AppScreens::progressBars() const {
+    return {channels_->progress(), channel_->progress(), story_->progress()};
+}
+
+HtmlView& AppScreens::textView() const {
+    return current_ == kWelcomeScreen ? *welcome_->view() : *story_->view();
+}
+
+} // namespace qf::ui
