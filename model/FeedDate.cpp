@@ -285,7 +285,7 @@ void FeedDate::SetFields(int year, int month, int day, int hour, int minute, int
                          int zoneHours) {
     const int64_t ticks = TicksFromFields({year, month, day, hour, minute, second, 0});
     time_ = SystemTimeFromTicks(Advance(ticks, zoneHours, kTicksPerHour));
-    valid_ = 1;
+    valid_ = true;
 }
 
 void FeedDate::AddHours(int64_t hours) {
@@ -294,7 +294,7 @@ void FeedDate::AddHours(int64_t hours) {
 
 void FeedDate::SetFromSystemTime(const SystemTime& time) {
     time_ = time;
-    valid_ = 1;
+    valid_ = true;
 }
 
 int64_t FeedDate::Ticks() const {

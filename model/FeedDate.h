@@ -30,7 +30,7 @@ public:
     void SetFromSystemTime(const SystemTime& time);
     void Clear() { *this = FeedDate(); }
 
-    bool valid() const { return valid_ != 0; }
+    bool valid() const { return valid_; }
     const SystemTime& time() const { return time_; }
 
     // 100-nanosecond intervals since 1 January 1601 UTC.
@@ -57,7 +57,7 @@ public:
 
 private:
     SystemTime time_;
-    int32_t valid_ = 0;
+    bool valid_ = false;
 };
 
 } // namespace qf
