@@ -47,13 +47,9 @@ protected:
     }
 
     static QTreeWidgetItem* Child(const QTreeWidgetItem* item, const QString& text) {
-        for (int i = 0; i < item->childCount(); ++i) {
-            if (item->child(i)->text(0) == text) {
-                return item->child(i);
-            }
-        }
-        ADD_FAILURE() << "no item " << text.toStdString();
-        return nullptr;
+        const int row = ChildTexts(item).indexOf(text);
+        EXPECT_GE(row, 0) << "no item " << text.toStdString();
+        return item->child(row);
     }
 
     // Toggles the item's check box with the space bar, as a user without a pen does.
@@ -84,50 +80,62 @@ protected:
     std::filesystem::path VolumeFolder() const { return dir_ / "home"; }
 };
 
+// Cancel leaves the store as it was; Finish merges the checked channels into their categories.
 TEST_F(AddChannelWizardTest, DirectoryTreeOffersEveryCategoryButNotTheChannelsAlreadyHeld) {
     WriteStore([](ChannelStore& store) {
         AddTestChannel(store.DefaultCategory(), u"Held", 0, 0,
                        u"HTTP://FEEDS.BBCI.CO.UK/news/rss.xml");
+        auto* podcasts = store.AddCategory(std::make_unique<Category>(WString(u"podcasts")));
+        AddTestChannel(*podcasts, u"Mine", 0, 0, u"http://127.0.0.1:9/mine");
     });
     App& app = StartApp();
     wizard_ = [](AddChannelWizard& wizard) {
         wizard.show();
-        EXPECT_EQ(wizard.windowTitle(), QStringLiteral("Add Channel"));
+        EXPECT_EQ(wizard.windowTitle(), "Add Channel");
         EXPECT_EQ(wizard.howToAddPage()->list()->currentRow(), 0);
         EXPECT_FALSE(wizard.button(QWizard::BackButton)->isEnabled());
         ChooseRow(wizard, 0);
         EXPECT_EQ(wizard.currentId(), kPickChannelsPage);
         QTreeWidget* tree = Tree(wizard);
         EXPECT_EQ(tree->topLevelItemCount(), 1);
-        const QTreeWidgetItem* root = tree->topLevelItem(0);
-        EXPECT_EQ(root->text(0), QStringLiteral("All Categories"));
+        QTreeWidgetItem* root = tree->topLevelItem(0);
+        EXPECT_EQ(root->text(0), "All Categories");
         EXPECT_EQ(ChildTexts(root),
                   (QStringList{"News", "Entertainment", "Podcasts", "Sports", "Business",
                                "Computers", "Health", "Travel", "Science / Technology"}));
-        const QTreeWidgetItem* news = root->child(0);
+        QTreeWidgetItem* news = root->child(0);
         EXPECT_EQ(news->childCount(), 12);
-        EXPECT_EQ(news->child(0)->text(0), QStringLiteral("BBC News - World"));
+        EXPECT_EQ(news->child(0)->text(0), "BBC News - World");
         EXPECT_FALSE(news->isExpanded());
         EXPECT_EQ(PickChannelsPage::CategoryOf(news)->channels().size(), 13u);
         EXPECT_EQ(PickChannelsPage::ChannelOf(news->child(0))->xmlUrl().view(),
                   u"http://feeds.bbci.co.uk/news/world/rss.xml");
+        // Checking an item checks only what lies below it.
+        QTreeWidgetItem* travel = Child(root, "Travel");
+        Toggle(tree, root);
+        EXPECT_EQ(news->checkState(0), Qt::Checked);
+        EXPECT_EQ(news->child(11)->checkState(0), Qt::Checked);
+        EXPECT_EQ(travel->child(1)->checkState(0), Qt::Checked);
+        Toggle(tree, news);
+        EXPECT_EQ(news->child(0)->checkState(0), Qt::Unchecked);
+        EXPECT_EQ(news->child(11)->checkState(0), Qt::Unchecked);
+        EXPECT_EQ(root->checkState(0), Qt::Checked);
+        EXPECT_EQ(travel->child(0)->checkState(0), Qt::Checked);
+        Toggle(tree, travel->child(0));
+        EXPECT_EQ(travel->checkState(0), Qt::Checked);
+        Toggle(tree, root);
+        EXPECT_EQ(travel->child(1)->checkState(0), Qt::Unchecked);
         Toggle(tree, root->child(2));
         wizard.reject();
         return wizard.result() == QDialog::Accepted;
     };
-    app.OnCommand(kCtlNone, kCmdNew);
-    // Cancel leaves the store as it was.
-    ASSERT_EQ(app.store().categories().size(), 1u);
-    EXPECT_EQ(app.store().categories()[0]->channels().size(), 1u);
+    Command(kCmdNew);
+    const auto& categories = app.store().categories();
+    ASSERT_EQ(categories.size(), 2u);
+    EXPECT_EQ(categories[0]->channels().size(), 1u);
+    EXPECT_EQ(categories[1]->channels().size(), 1u);
     EXPECT_TRUE(app.store().Contains(kBbcTopStories));
-}
 
-TEST_F(AddChannelWizardTest, DirectoryPathMergesTheCheckedChannelsIntoTheirCategories) {
-    WriteStore([](ChannelStore& store) {
-        auto* podcasts = store.AddCategory(std::make_unique<Category>(WString(u"podcasts")));
-        AddTestChannel(*podcasts, u"Mine", 0, 0, u"http://127.0.0.1:9/mine");
-    });
-    App& app = StartApp();
     const int32_t firstNewId = app.store().nextId();
     wizard_ = [](AddChannelWizard& wizard) {
         wizard.show();
@@ -140,49 +148,17 @@ TEST_F(AddChannelWizardTest, DirectoryPathMergesTheCheckedChannelsIntoTheirCateg
         QTest::keyClick(tree, Qt::Key_Return);
         return wizard.result() == QDialog::Accepted;
     };
-    app.OnCommand(kCtlNone, kCmdNew);
-    const auto& categories = app.store().categories();
-    ASSERT_EQ(categories.size(), 2u);
-    EXPECT_EQ(Titles(*categories[0]),
+    Command(kCmdNew);
+    ASSERT_EQ(categories.size(), 3u);
+    EXPECT_EQ(Titles(*categories[1]),
               (std::vector<std::u16string>{u"Mine", u"NPR - Up First", u"This American Life"}));
-    EXPECT_EQ(categories[1]->name().view(), u"Entertainment");
-    EXPECT_EQ(Titles(*categories[1]), std::vector<std::u16string>{u"Deadline"});
+    EXPECT_EQ(categories[2]->name().view(), u"Entertainment");
+    EXPECT_EQ(Titles(*categories[2]), std::vector<std::u16string>{u"Deadline"});
     // Ids are handed out in the order of the tree, where Entertainment comes first.
-    EXPECT_EQ(categories[1]->channels()[0]->id(), firstNewId);
-    EXPECT_EQ(categories[0]->channels()[1]->id(), firstNewId + 1);
-    EXPECT_EQ(categories[0]->channels()[2]->id(), firstNewId + 2);
-    EXPECT_EQ(channelsScreen()->model()->rowCount(), 4);
-}
-
-TEST_F(AddChannelWizardTest, CheckingAnItemChecksOnlyWhatLiesBelowIt) {
-    StartApp();
-    AddChannelWizard wizard(app().store(), {}, nullptr);
-    wizard.show();
-    ChooseRow(wizard, 0);
-    QTreeWidget* tree = Tree(wizard);
-    QTreeWidgetItem* root = tree->topLevelItem(0);
-    QTreeWidgetItem* news = Child(root, "News");
-    QTreeWidgetItem* travel = Child(root, "Travel");
-    Toggle(tree, root);
-    EXPECT_EQ(news->checkState(0), Qt::Checked);
-    EXPECT_EQ(news->child(11)->checkState(0), Qt::Checked);
-    EXPECT_EQ(travel->child(1)->checkState(0), Qt::Checked);
-
-    Toggle(tree, news);
-    EXPECT_EQ(news->child(0)->checkState(0), Qt::Unchecked);
-    EXPECT_EQ(news->child(11)->checkState(0), Qt::Unchecked);
-    EXPECT_EQ(root->checkState(0), Qt::Checked);
-    EXPECT_EQ(travel->child(0)->checkState(0), Qt::Checked);
-    Toggle(tree, travel->child(0));
-    EXPECT_EQ(travel->checkState(0), Qt::Checked);
-
-    // With everything unchecked again, finishing adds nothing.
-    Toggle(tree, root);
-    EXPECT_EQ(travel->child(1)->checkState(0), Qt::Unchecked);
-    QTest::keyClick(tree, Qt::Key_Return);
-    EXPECT_EQ(wizard.result(), QDialog::Accepted);
-    EXPECT_TRUE(wizard.Apply());
-    EXPECT_TRUE(app().store().categories().empty());
+    EXPECT_EQ(categories[2]->channels()[0]->id(), firstNewId);
+    EXPECT_EQ(categories[1]->channels()[1]->id(), firstNewId + 1);
+    EXPECT_EQ(categories[1]->channels()[2]->id(), firstNewId + 2);
+    EXPECT_EQ(Rows(), 5);
 }
 
 TEST_F(AddChannelWizardTest, UrlPathFromTheWelcomeScreenAddsOneChannelWithTheProposedTitle) {
@@ -192,7 +168,7 @@ TEST_F(AddChannelWizardTest, UrlPathFromTheWelcomeScreenAddsOneChannelWithThePro
         ChooseRow(wizard, 1);
         EXPECT_EQ(wizard.currentId(), kEnterUrlPage);
         QLineEdit* url = wizard.enterUrlPage()->urlBox();
-        EXPECT_EQ(wizard.enterUrlPage()->titleBox()->text(), QStringLiteral("Channel #1"));
+        EXPECT_EQ(wizard.enterUrlPage()->titleBox()->text(), "Channel #1");
         EXPECT_TRUE(wizard.button(QWizard::FinishButton)->isVisible());
         // The boxes have the clipboard menu.
         QTest::mouseClick(url, Qt::RightButton, {}, QPoint(5, 5));
@@ -205,11 +181,11 @@ TEST_F(AddChannelWizardTest, UrlPathFromTheWelcomeScreenAddsOneChannelWithThePro
         QTest::keyClick(url, Qt::Key_Return);
         return wizard.result() == QDialog::Accepted;
     };
-    app.OnCommand(kCtlNone, kCmdContinue);
+    Command(kCmdContinue);
     EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_EQ(app.store().loaded(), 1);
-    ASSERT_EQ(channelsScreen()->model()->rowCount(), 1);
-    const Channel* added = channelsScreen()->model()->ChannelAt(0);
+    ASSERT_EQ(Rows(), 1);
+    const Channel* added = &Row(0);
     EXPECT_EQ(added->xmlUrl().view(), u"http://127.0.0.1:9/typed");
     EXPECT_EQ(added->title().view(), u"Channel #1");
     EXPECT_EQ(added->id(), 1);
@@ -221,14 +197,14 @@ TEST_F(AddChannelWizardTest, OpmlPathListsTheVolumeFilesAndBackReturnsWhereTheCh
     qf::test::WriteFileBytes(VolumeFolder() / "Archive.OPML", "");
     qf::test::WriteFileBytes(VolumeFolder() / "notes.txt", kNestedOpml);
     App& app = StartApp();
-    app.OnCommand(kCtlNone, kCmdContinue);
+    Command(kCmdContinue);
     wizard_ = [](AddChannelWizard& wizard) {
         wizard.show();
         ChooseRow(wizard, 2);
         EXPECT_EQ(wizard.currentId(), kPickOpmlPage);
         QListWidget* files = wizard.pickOpmlPage()->list();
         EXPECT_EQ(files->count(), 2);
-        EXPECT_EQ(files->item(0)->text(), QStringLiteral("Archive.OPML"));
+        EXPECT_EQ(files->item(0)->text(), "Archive.OPML");
         EXPECT_EQ(files->currentRow(), 0);
         // The empty file leaves the tree empty.
         QTest::keyClick(files, Qt::Key_Return);
@@ -245,7 +221,7 @@ TEST_F(AddChannelWizardTest, OpmlPathListsTheVolumeFilesAndBackReturnsWhereTheCh
         wizard.button(QWizard::FinishButton)->click();
         return wizard.result() == QDialog::Accepted;
     };
-    app.OnCommand(kCtlNone, kCmdNew);
+    Command(kCmdNew);
     ASSERT_EQ(app.store().categories().size(), 1u);
     EXPECT_EQ(app.store().categories()[0]->name().view(), u"Local");
     EXPECT_EQ(Titles(*app.store().categories()[0]), std::vector<std::u16string>{u"Council"});
@@ -290,7 +266,7 @@ TEST_F(AddChannelWizardTest, BrowseTakesAFileFromAnywhere) {
     });
     page->browseButton()->click();
     EXPECT_EQ(page->list()->count(), 2);
-    EXPECT_EQ(page->list()->currentItem()->text(), QStringLiteral("elsewhere.opml"));
+    EXPECT_EQ(page->list()->currentItem()->text(), "elsewhere.opml");
     QTest::keyClick(page->list(), Qt::Key_Return);
     EXPECT_EQ(Tree(wizard)->topLevelItem(0)->childCount(), 2);
 }

@@ -3,31 +3,55 @@
 #include "ui/MainWindow.h"
 #include "ui/StoryScreen.h"
 
+#include <QApplication>
+#include <QMenu>
+#include <QMouseEvent>
+
 namespace qf::ui::test {
 namespace {
 
 using ChannelScreenTest = NewsFixture;
 
-TEST_F(ChannelScreenTest, NewOnlyAndSortChoicesRefillAndReorderTheList) {
+TEST_F(ChannelScreenTest, NewOnlySortAndMarkAllRefillTheListAndTheMenuFollows) {
     StartWithStories();
     OpenChannel(0);
     EXPECT_TRUE(news().banner()->toPlainText().contains(QStringLiteral("News")));
     EXPECT_EQ(Titles(), QStringList({"Alpha", "Bravo", "Charlie", "Delta"}));
-    app().OnCommand(kCtlNone, kCmdNewHeadlinesOnly);
+    OpenMenu(QStringLiteral("View"));
+    EXPECT_TRUE(MenuEntry(kCmdDoNotSort)->isChecked());
+    EXPECT_FALSE(MenuEntry(kCmdAscending)->isEnabled());
+    EXPECT_FALSE(MenuEntry(kCmdPlayPodcast)->isEnabled());
+    EXPECT_EQ(MenuEntry(kCmdRefreshChannel)->text(), "Refresh Channel");
+    Command(kCmdNewHeadlinesOnly);
     EXPECT_EQ(Titles(), QStringList({"Alpha", "Charlie"}));
-    app().OnCommand(kCtlNone, kCmdNewHeadlinesOnly);
+    Command(kCmdNewHeadlinesOnly);
 
-    app().OnCommand(kCtlNone, kCmdSortByDate);
+    Command(kCmdSortByDate);
     EXPECT_EQ(Titles(), QStringList({"Bravo", "Delta", "Alpha", "Charlie"}));
-    app().OnCommand(kCtlNone, kCmdAscending);
+    Command(kCmdAscending);
     EXPECT_EQ(Titles(), QStringList({"Charlie", "Alpha", "Delta", "Bravo"}));
+    OpenMenu(QStringLiteral("View"));
+    EXPECT_TRUE(MenuEntry(kCmdSortByDate)->isChecked());
+    EXPECT_FALSE(MenuEntry(kCmdDoNotSort)->isChecked());
+    EXPECT_TRUE(MenuEntry(kCmdAscending)->isEnabled());
+    EXPECT_TRUE(MenuEntry(kCmdAscending)->isChecked());
     // The key changes, the direction stays: unread first.
-    app().OnCommand(kCtlNone, kCmdSortByStatus);
+    Command(kCmdSortByStatus);
     EXPECT_EQ(Titles(), QStringList({"Alpha", "Charlie", "Bravo", "Delta"}));
-    app().OnCommand(kCtlNone, kCmdAscending);
+    Command(kCmdAscending);
     EXPECT_EQ(Titles(), QStringList({"Bravo", "Delta", "Alpha", "Charlie"}));
-    app().OnCommand(kCtlNone, kCmdDoNotSort);
+    Command(kCmdDoNotSort);
     EXPECT_EQ(Titles(), QStringList({"Alpha", "Bravo", "Charlie", "Delta"}));
+
+    // Mark all repaints the rows and refills the new-only list.
+    Command(kCmdMarkAllRead);
+    EXPECT_TRUE(Read(0) && Read(2));
+    EXPECT_EQ(UnreadOnChannelsScreen(), 0);
+    Command(kCmdNewHeadlinesOnly);
+    EXPECT_TRUE(Titles().isEmpty());
+    Command(kCmdMarkAllUnread);
+    EXPECT_EQ(Titles().size(), 4);
+    EXPECT_EQ(UnreadOnChannelsScreen(), 4);
 }
 
 TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) {
@@ -35,7 +59,7 @@ TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) 
     OpenChannel(0);
     QListView* list = news().list();
     const int storyHeight = list->visualRect(news().model()->index(0)).height();
-    app().OnCommand(kCtlNone, kCmdBack);
+    Command(kCmdBack);
     OpenChannel(1);
     ASSERT_EQ(Titles(), QStringList({"Failed to parse the channel@1/5/24 9:30 AM"}));
     // The message row has room for a third line.
@@ -55,19 +79,6 @@ TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) 
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
     QCoreApplication::processEvents();
     EXPECT_EQ(ShownScreen(), kChannelScreen);
-}
-
-TEST_F(ChannelScreenTest, MarkAllRepaintsTheRowsAndRefillsTheNewOnlyList) {
-    StartWithStories();
-    OpenChannel(0);
-    app().OnCommand(kCtlNone, kCmdMarkAllRead);
-    EXPECT_TRUE(Read(0) && Read(2));
-    EXPECT_EQ(UnreadOnChannelsScreen(), 0);
-    app().OnCommand(kCtlNone, kCmdNewHeadlinesOnly);
-    EXPECT_TRUE(Titles().isEmpty());
-    app().OnCommand(kCtlNone, kCmdMarkAllUnread);
-    EXPECT_EQ(Titles().size(), 4);
-    EXPECT_EQ(UnreadOnChannelsScreen(), 4);
 }
 
 TEST_F(ChannelScreenTest, KeyboardMovesOpensGoesBackAndStepsChannels) {
@@ -91,6 +102,39 @@ TEST_F(ChannelScreenTest, KeyboardMovesOpensGoesBackAndStepsChannels) {
     ASSERT_TRUE(WaitFor([this] { return news().channel()->id() == 2; }));
     QTest::keyClick(list, Qt::Key_Left);
     ASSERT_TRUE(WaitFor([this] { return news().channel()->id() == 1; }));
+}
+
+TEST_F(ChannelScreenTest, TapOpensAChannelRightClickShowsItsMenuAndBackEndsMinimised) {
+    StartWithStories();
+    app().mainWindow()->show();
+    QListView* list = channelsScreen()->list();
+    const QRect row = list->visualRect(list->model()->index(0, 0));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
+    ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kChannelScreen; }));
+    EXPECT_EQ(Titles().size(), 4);
+    // The second click of a double-click lands on the headline now under the pointer; it opens
+    // nothing and marks nothing read.
+    QWidget* headlines = news().list()->viewport();
+    for (const QEvent::Type type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+        QMouseEvent second(type, row.center(), headlines->mapToGlobal(row.center()), Qt::LeftButton,
+                           type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
+        QApplication::sendEvent(headlines, &second);
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ShownScreen(), kChannelScreen);
+    EXPECT_FALSE(Read(0));
+
+    QTest::keyClick(app().mainWindow(), Qt::Key_Escape);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
+    emit list->customContextMenuRequested(row.center());
+    ASSERT_TRUE(WaitFor([this] { return ContextMenu()->isVisible(); }));
+    const QList<QAction*> entries = ContextMenu()->actions();
+    EXPECT_EQ(entries.first()->text(), "Show Channel");
+    EXPECT_EQ(entries.last()->text(), "Channel Properties...");
+    ContextMenu()->close();
+    QTest::keyClick(app().mainWindow(), Qt::Key_Escape);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
+    EXPECT_TRUE(app().mainWindow()->isMinimized());
 }
 
 } // namespace

@@ -58,7 +58,7 @@ protected:
     }
     void OpenChannel(int row) {
         channelsScreen()->SelectRow(channelsScreen()->model()->ChannelAt(row));
-        app().OnCommand(kCtlNone, kCmdShowChannel);
+        Command(kCmdShowChannel);
         ASSERT_EQ(ShownScreen(), kChannelScreen);
     }
     // Clicks the news list's row and waits for the story screen.

@@ -4,6 +4,7 @@
 #include "model/FileUtil.h"
 #include "platform/AtomicFile.h"
 #include "ui/AddChannelWizard.h"
+#include "ui/ChannelListModel.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
 #include "ui/MainWindow.h"
@@ -102,6 +103,16 @@ QAction* UiFixture::MenuEntry(int command) {
     return FindCommand(app_->mainWindow()->softKeys()->menu(), command);
 }
 
+QStringList UiFixture::Checked(const QMenu* menu) {
+    QStringList checked;
+    for (const QAction* action : menu->actions()) {
+        if (action->isChecked()) {
+            checked << action->text();
+        }
+    }
+    return checked;
+}
+
 WelcomeScreen* UiFixture::welcomeScreen() const {
     return app_->mainWindow()->findChild<WelcomeScreen*>();
 }
@@ -118,21 +129,22 @@ StoryScreen* UiFixture::storyScreen() const {
     return app_->mainWindow()->findChild<StoryScreen*>();
 }
 
+int UiFixture::Rows() const {
+    return channelsScreen()->model()->rowCount();
+}
+
+Channel& UiFixture::Row(int row) const {
+    return *channelsScreen()->model()->ChannelAt(row);
+}
+
 Screen UiFixture::ShownScreen() const {
     const QWidget* shown = app_->mainWindow()->currentScreen();
-    if (shown == nullptr) {
-        return kNoScreen;
-    }
-    for (const auto& [screen, widget] :
-         {std::pair<Screen, QWidget*>{kWelcomeScreen, welcomeScreen()},
-          {kChannelsScreen, channelsScreen()},
-          {kChannelScreen, channelScreen()},
-          {kStoryScreen, storyScreen()}}) {
-        if (shown == widget) {
-            return screen;
-        }
-    }
-    return kNoScreen;
+    return shown == nullptr            ? kNoScreen
+           : shown == welcomeScreen()  ? kWelcomeScreen
+           : shown == channelsScreen() ? kChannelsScreen
+           : shown == channelScreen()  ? kChannelScreen
+           : shown == storyScreen()    ? kStoryScreen
+                                       : kNoScreen;
 }
 
 QMenu* UiFixture::ContextMenu() const {

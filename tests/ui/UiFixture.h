@@ -15,7 +15,6 @@
 class QAction;
 class QDialog;
 class QMenu;
-
 class QTimer;
 
 namespace qf::ui {
@@ -43,6 +42,7 @@ protected:
 
     App& StartApp(DeviceFamily family = {});
     App& app() { return *app_; }
+    bool Command(int command) { return app_->OnCommand(kCtlNone, command); }
     // Closes the main window and runs the end of the run, as quitting does.
     void QuitApp();
     // Quits, then lets the frame go as the program does when it exits.
@@ -52,12 +52,16 @@ protected:
     // and the submenu with `caption` in it when one is named.
     QMenu* OpenMenu(const QString& submenu = {});
     QAction* MenuEntry(int command);
+    static QStringList Checked(const QMenu* menu);
 
     // The main window's widgets, found as a user's tools would find them.
     WelcomeScreen* welcomeScreen() const;
     ChannelsScreen* channelsScreen() const;
     ChannelScreen* channelScreen() const;
     StoryScreen* storyScreen() const;
+    // The channels screen's rows.
+    int Rows() const;
+    Channel& Row(int row) const;
     // Which screen the main window shows.
     Screen ShownScreen() const;
     QMenu* ContextMenu() const;
