@@ -18,14 +18,22 @@ namespace {
 
 class FrameTest : public UiFixture {
 protected:
-    void WriteCategories(int count) {
-        WriteStore([count](ChannelStore& store) {
-            for (int i = 0; i < count; ++i) {
-                auto* category = store.AddCategory(std::make_unique<Category>(
-                    WString(u"Category " + std::u16string(1, static_cast<char16_t>(u'A' + i)))));
-                AddTestChannel(*category, u"Channel of " + category->name().str(), 1, 2);
+    // One category for each name, with one channel "<name> news" in it.
+    void WriteCategories(std::initializer_list<std::u16string> names) {
+        WriteStore([names](ChannelStore& store) {
+            for (const auto& name : names) {
+                auto* category = store.AddCategory(std::make_unique<Category>(WString(name)));
+                AddTestChannel(*category, name + u" news", 1, 3);
             }
         });
+    }
+    void StartWithCategories(std::initializer_list<std::u16string> names) {
+        WriteCategories(names);
+        StartApp();
+    }
+    QMenu* CategoryMenu() {
+        return OpenMenu(QStringLiteral("View"))
+            ->findChild<QMenu*>(QLatin1StringView(kCategorySubmenuName));
     }
 };
 
@@ -72,10 +80,10 @@ TEST_F(FrameTest, UnreadableStoreFileIsReportedAndAnEmptyListShown) {
 TEST_F(FrameTest, UnreadableStoreFileOffersTheNewestBackupInItsPlace) {
     const auto backups = DataFolder() / "Backups";
     std::filesystem::create_directories(backups);
-    WriteCategories(1);
+    WriteCategories({u"A"});
     std::filesystem::rename(DataFolder() / "QFChannels.opml",
                             backups / "QFChannels-2024-03-04.opml");
-    WriteCategories(2);
+    WriteCategories({u"A", u"B"});
     std::filesystem::rename(DataFolder() / "QFChannels.opml",
                             backups / "QFChannels-2024-03-05.opml");
     const std::string newest = qf::test::ReadFileBytes(backups / "QFChannels-2024-03-05.opml");
@@ -140,7 +148,7 @@ TEST_F(FrameTest, NewChannelsOnlyHidesChannelsWithoutUnreadStories) {
 }
 
 TEST_F(FrameTest, RefreshDoneRunsItsCompletionOnlyWithChannelAndCompletion) {
-    WriteCategories(1);
+    WriteCategories({u"A"});
     App& app = StartApp();
     Channel* channel = &Row(0);
     int runs = 0;
@@ -155,8 +163,7 @@ TEST_F(FrameTest, RefreshDoneRunsItsCompletionOnlyWithChannelAndCompletion) {
 }
 
 TEST_F(FrameTest, StoredChannelsOpenWithTheAutoUpdateAndDeletingOneAsksFirst) {
-    WriteCategories(2);
-    StartApp();
+    StartWithCategories({u"A", u"B"});
     EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_EQ(Rows(), 2);
     ASSERT_NE(AutoUpdateTimer(), nullptr);
@@ -165,7 +172,7 @@ TEST_F(FrameTest, StoredChannelsOpenWithTheAutoUpdateAndDeletingOneAsksFirst) {
     Channel* doomed = &Row(0);
     const std::string doomedTitle = doomed->title().toUtf8();
     const std::string keptTitle = Row(1).title().toUtf8();
-    const auto cached = DataFolder() / ("Channel" + std::to_string(doomed->id()) + ".xml");
+    const auto cached = CachedFeed(doomed->id());
     qf::test::WriteFileBytes(cached, "<rss/>");
     channelsScreen()->SelectRow(doomed);
 
@@ -180,6 +187,60 @@ TEST_F(FrameTest, StoredChannelsOpenWithTheAutoUpdateAndDeletingOneAsksFirst) {
     QuitApp();
     EXPECT_EQ(StoreFileText().find(doomedTitle), std::string::npos);
     EXPECT_NE(StoreFileText().find(keptTitle), std::string::npos);
+}
+
+TEST_F(FrameTest, ChannelEntriesNeedASelectedRowAndRefreshTextFollowsBusy) {
+    StartWithCategories({u"Default"});
+    OpenMenu();
+    for (int command :
+         {kCmdShowChannel, kCmdDownloadChannel, kCmdDeleteChannel, kCmdChannelProperties}) {
+        EXPECT_FALSE(MenuEntry(command)->isEnabled()) << command;
+    }
+    EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), "Refresh All Channels");
+
+    channelsScreen()->SelectRow(&Row(0));
+    app().store().busy() = 1;
+    OpenMenu();
+    EXPECT_TRUE(MenuEntry(kCmdDeleteChannel)->isEnabled());
+    EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), "Stop Refresh");
+    // The category list is left alone while a refresh runs.
+    EXPECT_EQ(CategoryMenu()->actions().size(), 1);
+    app().store().busy() = 0;
+}
+
+TEST_F(FrameTest, CategorySubmenuListsTheCategoriesAndChecksTheShownOne) {
+    StartWithCategories({u"World", u"Sports", u"Tech"});
+    QMenu* categories = CategoryMenu();
+    ASSERT_NE(categories, nullptr);
+    EXPECT_EQ(categories->actions().size(), 4);
+    EXPECT_EQ(categories->actions()[2]->text(), "Sports");
+    EXPECT_EQ(Checked(categories), QStringList{"All Categories"});
+
+    categories->actions()[2]->trigger();
+    EXPECT_EQ(app().store().categoryId(), 1);
+    EXPECT_EQ(Rows(), 1);
+    OpenMenu(QStringLiteral("View"));
+    EXPECT_EQ(Checked(categories), QStringList{"Sports"});
+    EXPECT_FALSE(MenuEntry(kCmdNewChannelsOnly)->isChecked());
+}
+
+TEST_F(FrameTest, EveryCommandAboveTheCategoryBaseChoosesACategory) {
+    StartWithCategories({u"A", u"B", u"C", u"D", u"E", u"F", u"G", u"H", u"I"});
+    QMenu* categories = CategoryMenu();
+    emit categories->aboutToShow();
+    // The ninth category is entry 40109, the number of "Delete Channel", which needs a row.
+    EXPECT_EQ(categories->actions().last()->text(), "I");
+    EXPECT_TRUE(categories->actions().last()->isEnabled());
+    EXPECT_FALSE(MenuEntry(kCmdDeleteChannel)->isEnabled());
+    // "New" is 40108: with nine categories it also shows the eighth, as it always did.
+    EXPECT_EQ(Rows(), 9);
+    Command(kCmdNew);
+    EXPECT_EQ(app().store().categoryId(), 7);
+    ASSERT_EQ(Rows(), 1);
+    EXPECT_EQ(Row(0).title(), u"H news");
+    Command(kCmdAllCategories);
+    EXPECT_EQ(app().store().categoryId(), -1);
+    EXPECT_EQ(Rows(), 9);
 }
 
 } // namespace

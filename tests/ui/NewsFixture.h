@@ -53,9 +53,6 @@ protected:
         qf::test::WriteFileBytes(CachedFeed(2), feed + "</channel></rss>");
         StartApp();
     }
-    std::filesystem::path CachedFeed(int32_t id) const {
-        return DataFolder() / ToFsPath(FeedFileName(id));
-    }
     void OpenChannel(int row) {
         channelsScreen()->SelectRow(channelsScreen()->model()->ChannelAt(row));
         Command(kCmdShowChannel);

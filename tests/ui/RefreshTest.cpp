@@ -66,6 +66,7 @@ TEST_F(RefreshTest, RefreshAllFromTheMenuUpdatesRowsUntilTheStopButtonEndsIt) {
     EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), "Stop Refresh");
 
     channelsScreen()->progress()->stopButton()->click();
+    EXPECT_EQ(app().store().stopRequested(), 1);
     EXPECT_EQ(app().store().abortRequested(), 1);
     ASSERT_TRUE(WaitFor([this] { return app().store().busy() == 0; }));
     ASSERT_TRUE(WaitFor([this] { return Icon(2) != kChannelUpdating; }));
@@ -85,9 +86,8 @@ TEST_F(RefreshTest, DownloadChannelUpdatesOnlyTheSelectedRowAndMarkAllIsSaved) {
     Command(kCmdMarkAllRead);
     EXPECT_EQ(Row(0).newItemCount(), 0);
     QuitApp();
-    const std::string cached =
-        qf::test::ReadFileBytes(DataFolder() / ("Channel" + std::to_string(Row(0).id()) + ".xml"));
-    EXPECT_NE(cached.find("qf_wasRead=\"yes\""), std::string::npos);
+    EXPECT_NE(qf::test::ReadFileBytes(CachedFeed(Row(0).id())).find("qf_wasRead=\"yes\""),
+              std::string::npos);
 }
 
 TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItAndAFailedRefreshEndsLikeADoneOne) {

@@ -1,5 +1,6 @@
 #include "UiFixture.h"
 
+#include "model/CachedFileNames.h"
 #include "model/ChannelStoreFile.h"
 #include "model/FileUtil.h"
 #include "platform/AtomicFile.h"
@@ -22,10 +23,6 @@ namespace qf::ui::test {
 
 UiFixture::UiFixture() {
     std::filesystem::create_directories(dir_ / "cards");
-    config_.emplace("XDG_CONFIG_HOME", (dir_ / "config").string());
-    home_.emplace("QUILLFEED_HOME", (dir_ / "home").string());
-    cards_.emplace("QUILLFEED_CARDS", (dir_ / "cards").string());
-    platform_.emplace("QUILLFEED_PLATFORM", std::nullopt);
 }
 
 UiFixture::~UiFixture() {
@@ -42,6 +39,10 @@ void UiFixture::WriteStore(const std::function<void(ChannelStore&)>& fill) {
     fill(store);
     std::filesystem::create_directories(DataFolder());
     ASSERT_TRUE(SaveStore(store, FromFsPath(DataFolder() / "QFChannels.opml")));
+}
+
+std::filesystem::path UiFixture::CachedFeed(int32_t id) const {
+    return DataFolder() / ToFsPath(FeedFileName(id));
 }
 
 std::string UiFixture::StoreFileText() const {
@@ -62,8 +63,9 @@ App& UiFixture::StartApp(DeviceFamily family) {
     };
     dialogs.run = [this](QDialog& dialog) {
         if (auto* wizard = dynamic_cast<AddChannelWizard*>(&dialog); wizard != nullptr && wizard_) {
-            return wizard_(*wizard) ? static_cast<int>(QDialog::Accepted)
-                                    : static_cast<int>(QDialog::Rejected);
+            wizard->show();
+            wizard_(*wizard);
+            return wizard->result();
         }
         return onDialog_ ? onDialog_(dialog) : static_cast<int>(QDialog::Rejected);
     };

@@ -39,6 +39,8 @@ protected:
     // The store file as the frame left it; empty when there is none.
     std::string StoreFileText() const;
     std::filesystem::path DataFolder() const;
+    // Where the channel with `id` keeps its last download.
+    std::filesystem::path CachedFeed(int32_t id) const;
 
     App& StartApp(DeviceFamily family = {});
     App& app() { return *app_; }
@@ -73,10 +75,10 @@ protected:
     static bool WaitFor(const std::function<bool()>& done);
 
     qf::test::TempDir dir_;
-    std::optional<qf::test::EnvVar> config_;
-    std::optional<qf::test::EnvVar> home_;
-    std::optional<qf::test::EnvVar> cards_;
-    std::optional<qf::test::EnvVar> platform_;
+    qf::test::EnvVar config_{"XDG_CONFIG_HOME", (dir_ / "config").string()};
+    qf::test::EnvVar home_{"QUILLFEED_HOME", (dir_ / "home").string()};
+    qf::test::EnvVar cards_{"QUILLFEED_CARDS", (dir_ / "cards").string()};
+    qf::test::EnvVar platform_{"QUILLFEED_PLATFORM", std::nullopt};
     // What the dialogs were shown, and how the next question is answered.
     QStringList told_;
     QStringList asked_;
@@ -84,8 +86,8 @@ protected:
     QList<QUrl> opened_;
     // Plays the user's part in the program's own dialogs; without it they are cancelled.
     std::function<int(QDialog&)> onDialog_;
-    // The same for the add-channel wizard: true for Finish.
-    std::function<bool(AddChannelWizard&)> wizard_;
+    // The same for the add-channel wizard, which is shown first; Finish accepts it.
+    std::function<void(AddChannelWizard&)> wizard_;
 
 private:
     std::unique_ptr<App> app_;
