@@ -1,8 +1,6 @@
 #include "ui/AddChannelWizard.h"
 
 #include "UiFixture.h"
-#include "ui/ChannelListModel.h"
-#include "ui/ChannelsScreen.h"
 #include "ui/EnterUrlPage.h"
 #include "ui/HowToAddPage.h"
 #include "ui/PickChannelsPage.h"
@@ -11,9 +9,7 @@
 #include <QAbstractButton>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMenu>
 #include <QPushButton>
-#include <QTest>
 #include <QTreeWidget>
 
 namespace qf::ui::test {

@@ -1,11 +1,8 @@
 #include "NewsFixture.h"
 #include "ui/HtmlView.h"
-#include "ui/MainWindow.h"
 #include "ui/RowTitle.h"
-#include "ui/StoryScreen.h"
 
 #include <QApplication>
-#include <QMenu>
 #include <QMouseEvent>
 
 namespace qf::ui::test {

@@ -1,9 +1,7 @@
 #include "UiFixture.h"
 #include "model/DataFolder.h"
 #include "platform/AtomicFile.h"
-#include "ui/ChannelListModel.h"
 #include "ui/ChannelPropertiesDialog.h"
-#include "ui/ChannelsScreen.h"
 #include "ui/OptionsDialog.h"
 
 #include <QComboBox>

@@ -1,16 +1,9 @@
 #include "UiFixture.h"
-#include "ui/ChannelListModel.h"
-#include "ui/ChannelsScreen.h"
 #include "ui/HtmlView.h"
-#include "ui/MainWindow.h"
 #include "ui/PrivateMessages.h"
-#include "ui/SoftKeyBar.h"
-#include "ui/WelcomeScreen.h"
 
 #include <QCoreApplication>
-#include <QMenu>
 #include <QPushButton>
-#include <QTest>
 #include <QTimer>
 
 namespace qf::ui::test {

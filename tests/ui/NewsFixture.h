@@ -1,15 +1,9 @@
 #pragma once
 
 #include "UiFixture.h"
-#include "model/CachedFileNames.h"
-#include "platform/AtomicFile.h"
-#include "ui/ChannelListModel.h"
-#include "ui/ChannelScreen.h"
-#include "ui/ChannelsScreen.h"
 #include "ui/NewsListModel.h"
 
 #include <QListView>
-#include <QTest>
 
 namespace qf::ui::test {
 

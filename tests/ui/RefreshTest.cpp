@@ -1,14 +1,8 @@
 #include "NewsFixture.h"
-#include "UiFixture.h"
 #include "net/RefreshEngine.h"
 #include "support/TestServer.h"
-#include "ui/ChannelListModel.h"
-#include "ui/ChannelScreen.h"
-#include "ui/ChannelsScreen.h"
 #include "ui/ProgressBar.h"
-#include "ui/StoryScreen.h"
 
-#include <QMenu>
 #include <QToolButton>
 #include <chrono>
 

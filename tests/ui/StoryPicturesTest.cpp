@@ -7,8 +7,6 @@
 #include "platform/AtomicFile.h"
 #include "support/TestServer.h"
 #include "ui/HtmlView.h"
-#include "ui/MainWindow.h"
-#include "ui/StoryScreen.h"
 
 #include <QBuffer>
 #include <QCoreApplication>

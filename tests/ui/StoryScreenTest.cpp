@@ -2,10 +2,7 @@
 
 #include "NewsFixture.h"
 #include "ui/HtmlView.h"
-#include "ui/MainWindow.h"
-#include "ui/SoftKeyBar.h"
 
-#include <QAction>
 #include <QTextDocument>
 
 namespace qf::ui::test {

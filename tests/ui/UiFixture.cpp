@@ -5,33 +5,16 @@
 #include "model/FileUtil.h"
 #include "platform/AtomicFile.h"
 #include "ui/AddChannelWizard.h"
-#include "ui/ChannelListModel.h"
-#include "ui/ChannelScreen.h"
-#include "ui/ChannelsScreen.h"
-#include "ui/MainWindow.h"
-#include "ui/SoftKeyBar.h"
-#include "ui/StoryScreen.h"
-#include "ui/WelcomeScreen.h"
 
 #include <QCoreApplication>
 #include <QDialog>
-#include <QMenu>
-#include <QTest>
 #include <QTimer>
 
 namespace qf::ui::test {
 
-UiFixture::UiFixture() {
-    std::filesystem::create_directories(dir_ / "cards");
-}
-
 UiFixture::~UiFixture() {
     app_.reset();
     QCoreApplication::processEvents();
-}
-
-std::filesystem::path UiFixture::DataFolder() const {
-    return dir_ / "home" / "QFChannelsData";
 }
 
 void UiFixture::WriteStore(const std::function<void(ChannelStore&)>& fill) {
@@ -80,13 +63,8 @@ void UiFixture::QuitApp() {
     app_->Finish();
 }
 
-void UiFixture::EndApp() {
-    QuitApp();
-    app_.reset();
-}
-
 QMenu* UiFixture::OpenMenu(const QString& submenu) {
-    QMenu* menu = app_->mainWindow()->softKeys()->menu();
+    QMenu* menu = softKeyMenu();
     emit menu->aboutToShow();
     if (submenu.isEmpty()) {
         return menu;
@@ -101,10 +79,6 @@ QMenu* UiFixture::OpenMenu(const QString& submenu) {
     return menu;
 }
 
-QAction* UiFixture::MenuEntry(int command) {
-    return FindCommand(app_->mainWindow()->softKeys()->menu(), command);
-}
-
 QStringList UiFixture::Checked(const QMenu* menu) {
     QStringList checked;
     for (const QAction* action : menu->actions()) {
@@ -113,30 +87,6 @@ QStringList UiFixture::Checked(const QMenu* menu) {
         }
     }
     return checked;
-}
-
-WelcomeScreen* UiFixture::welcomeScreen() const {
-    return app_->mainWindow()->findChild<WelcomeScreen*>();
-}
-
-ChannelsScreen* UiFixture::channelsScreen() const {
-    return app_->mainWindow()->findChild<ChannelsScreen*>();
-}
-
-ChannelScreen* UiFixture::channelScreen() const {
-    return app_->mainWindow()->findChild<ChannelScreen*>();
-}
-
-StoryScreen* UiFixture::storyScreen() const {
-    return app_->mainWindow()->findChild<StoryScreen*>();
-}
-
-int UiFixture::Rows() const {
-    return channelsScreen()->model()->rowCount();
-}
-
-Channel& UiFixture::Row(int row) const {
-    return *channelsScreen()->model()->ChannelAt(row);
 }
 
 Screen UiFixture::ShownScreen() const {
@@ -149,10 +99,6 @@ Screen UiFixture::ShownScreen() const {
                                        : kNoScreen;
 }
 
-QMenu* UiFixture::ContextMenu() const {
-    return app_->mainWindow()->findChild<QMenu*>(QStringLiteral("ChannelContextMenu"));
-}
-
 QTimer* UiFixture::AutoUpdateTimer() const {
     return app_->findChild<QTimer*>(QStringLiteral("100"));
 }
@@ -160,10 +106,6 @@ QTimer* UiFixture::AutoUpdateTimer() const {
 void UiFixture::FireAutoUpdate() {
     ASSERT_NE(AutoUpdateTimer(), nullptr);
     QMetaObject::invokeMethod(AutoUpdateTimer(), "timeout");
-}
-
-bool UiFixture::WaitFor(const std::function<bool()>& done) {
-    return QTest::qWaitFor(done, 10000);
 }
 
 Channel& AddTestChannel(Category& category, const std::u16string& title, int32_t unread,
