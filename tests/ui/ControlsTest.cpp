@@ -71,29 +71,42 @@ TEST(ProgressBar, TextTakesTheInverseOfTheColourUnderEachHalf) {
         }
         return false;
     };
+    const auto inverse = [](QRgb c) {
+        return qRgb(255 - qRed(c), 255 - qGreen(c), 255 - qBlue(c));
+    };
     const QRgb filled = image.pixel(2, 2);
     const QRgb empty = image.pixel(image.width() - 3, 2);
     ASSERT_NE(filled, empty);
-    EXPECT_TRUE(
-        found(0, half, qRgb(255 - qRed(filled), 255 - qGreen(filled), 255 - qBlue(filled))));
-    EXPECT_TRUE(found(half, image.width(),
-                      qRgb(255 - qRed(empty), 255 - qGreen(empty), 255 - qBlue(empty))));
+    EXPECT_TRUE(found(0, half, inverse(filled)));
+    EXPECT_TRUE(found(half, image.width(), inverse(empty)));
 }
 
-TEST(HtmlView, LeftAndRightStepOnlyWhileThePageNeedsNoSidewaysScrolling) {
+// Left and Right step only while the page needs no sideways scrolling.
+TEST(HtmlView, EveryPageStartsAtItsTopAndLeftAndRightStepToTheNeighbours) {
     FrameRecorder frame;
     HtmlView view(&frame, 141, nullptr);
-    view.resize(200, 200);
+    view.resize(200, 100);
+    view.show();
+    std::u16string tall;
+    for (int i = 0; i < 100; ++i) {
+        tall += u"<p>line</p>";
+    }
+    view.SetPage(tall, true);
+    view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
+    ASSERT_GT(view.verticalScrollBar()->value(), 0);
+    view.SetPage(tall, true);
+    EXPECT_EQ(view.verticalScrollBar()->value(), 0);
+    view.SetPage(std::nullopt, true);
+    EXPECT_TRUE(view.toPlainText().isEmpty());
+
     view.SetPage(u"<p>short</p>", true);
     QTest::keyClick(&view, Qt::Key_Left);
     QTest::keyClick(&view, Qt::Key_Right);
     QCoreApplication::processEvents();
     const std::vector<std::pair<int, int>> expected = {{QFM_NAVPREVIOUS, 141}, {QFM_NAVNEXT, 141}};
     EXPECT_EQ(frame.received, expected);
-
     view.SetFitToScreen(false);
     view.SetPage(u"<p>" + std::u16string(400, u'w') + u"</p>", true);
-    view.show();
     QCoreApplication::processEvents();
     ASSERT_TRUE(view.HasHorizontalScrollBar());
     QTest::keyClick(&view, Qt::Key_Right);
@@ -119,24 +132,6 @@ TEST(HtmlView, PicturesComeOnlyFromLocalFilesAndTheScreen) {
                                QUrl(QStringLiteral("file:///etc/hostname")))
                     .toByteArray()
                     .isEmpty());
-}
-
-TEST(HtmlView, EveryPageStartsAtItsTop) {
-    FrameRecorder frame;
-    HtmlView view(&frame, 0, nullptr);
-    view.resize(200, 100);
-    view.show();
-    std::u16string tall;
-    for (int i = 0; i < 100; ++i) {
-        tall += u"<p>line</p>";
-    }
-    view.SetPage(tall, true);
-    view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
-    ASSERT_GT(view.verticalScrollBar()->value(), 0);
-    view.SetPage(tall, true);
-    EXPECT_EQ(view.verticalScrollBar()->value(), 0);
-    view.SetPage(std::nullopt, true);
-    EXPECT_TRUE(view.toPlainText().isEmpty());
 }
 
 // A page with one text box that has the menu, and the clipboard emptied.

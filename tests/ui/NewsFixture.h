@@ -23,6 +23,18 @@ inline const std::vector<TestStory> kFourStories = {
     {"Charlie", "Mon, 01 Jan 2024 10:00:00 GMT", false, "http://127.0.0.1/c"},
     {"Delta", "Wed, 03 Jan 2024 10:00:00 GMT", true, "http://127.0.0.1/d"}};
 
+// A feed "News" with the stories, as a cached one has them.
+inline std::string FeedOf(const std::vector<TestStory>& stories) {
+    std::string feed = "<rss version=\"2.0\"><channel><title>News</title>";
+    for (const TestStory& s : stories) {
+        feed += (s.read ? "<item qf_wasRead=\"yes\"><title>" : "<item><title>") + s.title +
+                "</title><pubDate>" + s.date + "</pubDate>" +
+                (s.link.empty() ? "" : "<link>" + s.link + "</link>") +
+                (s.body.empty() ? "" : "<description>" + s.body + "</description>") + "</item>";
+    }
+    return feed + "</channel></rss>";
+}
+
 // The channels "News" (id 1, its cached feed holds the given stories) and "Failed" (id 2, its
 // last update failed although a cached feed is there), in that order.
 class NewsFixture : public UiFixture {
@@ -36,15 +48,8 @@ protected:
             failed.SetErrorText(WString(u"Failed to parse the channel@1/5/24 9:30 AM"), false);
             store.RecomputeNextId();
         });
-        std::string feed = "<rss version=\"2.0\"><channel><title>News</title>";
-        for (const TestStory& s : stories) {
-            feed += (s.read ? "<item qf_wasRead=\"yes\"><title>" : "<item><title>") + s.title +
-                    "</title><pubDate>" + s.date + "</pubDate>" +
-                    (s.link.empty() ? "" : "<link>" + s.link + "</link>") +
-                    (s.body.empty() ? "" : "<description>" + s.body + "</description>") + "</item>";
-        }
-        qf::test::WriteFileBytes(CachedFeed(1), feed + "</channel></rss>");
-        qf::test::WriteFileBytes(CachedFeed(2), feed + "</channel></rss>");
+        qf::test::WriteFileBytes(CachedFeed(1), FeedOf(stories));
+        qf::test::WriteFileBytes(CachedFeed(2), FeedOf(stories));
         StartApp();
     }
     void OpenChannel(int row) {

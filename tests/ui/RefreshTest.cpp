@@ -9,22 +9,16 @@
 namespace qf::ui::test {
 namespace {
 
-std::string Feed(const std::string& title, int items) {
-    std::string feed = "<rss version=\"2.0\"><channel><title>" + title + "</title>";
-    for (int i = 0; i < items; ++i) {
-        const std::string n = std::to_string(i);
-        feed += "<item><title>Story " + n + "</title><link>http://127.0.0.1/" + title + "/" + n +
-                "</link><description>Body</description></item>";
-    }
-    return feed + "</channel></rss>";
-}
-
 class RefreshTest : public UiFixture {
 protected:
     // Channels "Good" (3 stories), "Missing" (404) and "Endless" (a body that never ends), in
     // that order on the channels screen.
     void StartWithServer() {
-        server_.addRoute({"/good", 200, Feed("Good", 3)});
+        std::vector<TestStory> good;
+        for (const std::string n : {"0", "1", "2"}) {
+            good.push_back({"Story " + n, "", false, "http://127.0.0.1/Good/" + n});
+        }
+        server_.addRoute({"/good", 200, FeedOf(good)});
         server_.addRoute({"/missing", 404, "gone"});
         server_.addRoute({"/endless", 200, "<rss>", {}, qf::test::Route::Body::Endless});
         WriteStore([this](ChannelStore& store) {
@@ -116,14 +110,12 @@ class RefreshUnderReaderTest : public NewsFixture {
 protected:
     void StartServingNewerFeed() {
         StartWithStories();
-        std::string feed = "<rss version=\"2.0\"><channel><title>News</title><item><title>Echo"
-                           "</title><link>http://127.0.0.1/e</link><pubDate>Fri, 05 Jan 2024 "
-                           "10:00:00 GMT</pubDate></item>";
-        for (const TestStory& story : kFourStories) {
-            feed += "<item><title>" + story.title + "</title><link>" + story.link +
-                    "</link><pubDate>" + story.date + "</pubDate></item>";
+        std::vector<TestStory> newer{
+            {"Echo", "Fri, 05 Jan 2024 10:00:00 GMT", false, "http://127.0.0.1/e", ""}};
+        for (TestStory story : kFourStories) {
+            newer.push_back({story.title, story.date, false, story.link, ""});
         }
-        server_.addRoute({"/news", 200, feed + "</channel></rss>"});
+        server_.addRoute({"/news", 200, FeedOf(newer)});
         News().SetXmlUrl(WString(server_.url("/news")));
     }
     Channel& News() { return Row(0); }

@@ -110,16 +110,15 @@ TEST_F(StoryScreenTest, LinksGoToTheBrowserWhileTheWindowIsMinimised) {
     view->setTextCursor(view->document()->find(QStringLiteral("other")));
     QTest::keyClick(view, Qt::Key_Return);
     app().OnActivate();
-    EXPECT_EQ(opened_, QList<QUrl>({QUrl(QStringLiteral("http://127.0.0.1:8080/news/more.html")),
-                                    QUrl(QStringLiteral("http://127.0.0.1:8080/top")),
-                                    QUrl(QStringLiteral("http://127.0.0.1/x")),
-                                    QUrl(QStringLiteral("http://127.0.0.1/y"))}));
+    EXPECT_EQ(QUrl::toStringList(opened_),
+              QStringList({"http://127.0.0.1:8080/news/more.html", "http://127.0.0.1:8080/top",
+                           "http://127.0.0.1/x", "http://127.0.0.1/y"}));
     opened_.clear();
     Command(kCmdNextNews);
     ASSERT_EQ(Shown(), "Nowhere");
     click("more");
     click("visit");
-    EXPECT_EQ(opened_, QList<QUrl>({QUrl(QStringLiteral("http://127.0.0.1/x"))}));
+    EXPECT_EQ(QUrl::toStringList(opened_), QStringList{"http://127.0.0.1/x"});
 
     opened_.clear();
     Command(kCmdNextNews);
@@ -135,8 +134,8 @@ TEST_F(StoryScreenTest, LinksGoToTheBrowserWhileTheWindowIsMinimised) {
     Command(kCmdNextNews);
     Command(kCmdReadOnline);
     // Only web and mail addresses leave the program, and nothing else minimises the window.
-    EXPECT_EQ(opened_, QList<QUrl>({QUrl(QStringLiteral("http://127.0.0.1/local")),
-                                    QUrl(QStringLiteral("http://127.0.0.1/?page=qf_x"))}));
+    EXPECT_EQ(QUrl::toStringList(opened_),
+              QStringList({"http://127.0.0.1/local", "http://127.0.0.1/?page=qf_x"}));
     EXPECT_FALSE(app().mainWindow()->softKeys()->isHidden());
     EXPECT_FALSE(app().mainWindow()->isMinimized());
     EXPECT_TRUE(view->toPlainText().isEmpty());
