@@ -20,7 +20,7 @@ protected:
     }
 };
 
-TEST_F(StoryScreenTest, OpeningAStoryMarksItReadOnBothScreensAndInTheCachedFeed) {
+TEST_F(StoryScreenTest, OpeningAStoryMarksItReadOnBothScreensAndPreviousAndNextFollowTheList) {
     StartWithStories();
     OpenChannel(0);
     OpenStory(2);
@@ -40,11 +40,8 @@ TEST_F(StoryScreenTest, OpeningAStoryMarksItReadOnBothScreensAndInTheCachedFeed)
     OpenChannel(0);
     EXPECT_FALSE(Read(0));
     EXPECT_TRUE(Read(2));
-}
 
-TEST_F(StoryScreenTest, PreviousAndNextFollowTheSortedListAndTheMenuLosesReadOffline) {
-    StartWithStories();
-    OpenChannel(0);
+    // Previous and Next follow the sorted list, and the menu loses Read Story Offline.
     Command(kCmdSortByDate);
     OpenStory(1); // Delta, between Bravo and Alpha
     EXPECT_NE(MenuEntry(kCmdReadOffline), nullptr);
