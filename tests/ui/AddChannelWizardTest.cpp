@@ -33,7 +33,6 @@ const char kNestedOpml[] = R"(<?xml version="1.0"?>
 class AddChannelWizardTest : public UiFixture {
 protected:
     static QTreeWidget* Tree(AddChannelWizard& wizard) { return wizard.pickChannelsPage()->tree(); }
-
     static QStringList ChildTexts(const QTreeWidgetItem* item) {
         QStringList texts;
         for (int i = 0; i < item->childCount(); ++i) {
@@ -41,19 +40,16 @@ protected:
         }
         return texts;
     }
-
     static QTreeWidgetItem* Child(const QTreeWidgetItem* item, const QString& text) {
         const int row = ChildTexts(item).indexOf(text);
         EXPECT_GE(row, 0) << "no item " << text.toStdString();
         return item->child(row);
     }
-
     // Toggles the item's check box with the space bar, as a user without a pen does.
     static void Toggle(QTreeWidget* tree, QTreeWidgetItem* item) {
         tree->setCurrentItem(item);
         QTest::keyClick(tree, Qt::Key_Space);
     }
-
     static void ChooseRow(AddChannelWizard& wizard, int row) {
         QListWidget* list = wizard.howToAddPage()->list();
         list->setCurrentRow(0);
@@ -62,9 +58,7 @@ protected:
         }
         QTest::keyClick(list, Qt::Key_Return);
     }
-
     static void ClickBack(AddChannelWizard& wizard) { wizard.button(QWizard::BackButton)->click(); }
-
     static std::vector<std::u16string> Titles(const Category& category) {
         std::vector<std::u16string> titles;
         for (const auto& channel : category.channels()) {
@@ -72,7 +66,6 @@ protected:
         }
         return titles;
     }
-
     std::filesystem::path VolumeFolder() const { return dir_ / "home"; }
 };
 
@@ -164,10 +157,8 @@ TEST_F(AddChannelWizardTest, UrlPathFromTheWelcomeScreenAddsOneChannelWithThePro
         // The boxes have the clipboard menu.
         QTest::mouseClick(url, Qt::RightButton, {}, QPoint(5, 5));
         auto* menu = wizard.enterUrlPage()->findChild<QMenu*>(QStringLiteral("EditMenu"));
-        EXPECT_TRUE(menu != nullptr && menu->isVisible());
-        if (menu != nullptr) {
-            menu->close();
-        }
+        ASSERT_TRUE(menu != nullptr && menu->isVisible());
+        menu->close();
         QTest::keyClicks(url, QStringLiteral("http://127.0.0.1:9/typed"));
         QTest::keyClick(url, Qt::Key_Return);
     };
@@ -175,10 +166,9 @@ TEST_F(AddChannelWizardTest, UrlPathFromTheWelcomeScreenAddsOneChannelWithThePro
     EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_EQ(app.store().loaded(), 1);
     ASSERT_EQ(Rows(), 1);
-    const Channel* added = &Row(0);
-    EXPECT_EQ(added->xmlUrl().view(), u"http://127.0.0.1:9/typed");
-    EXPECT_EQ(added->title().view(), u"Channel #1");
-    EXPECT_EQ(added->id(), 1);
+    EXPECT_EQ(Row(0).xmlUrl().view(), u"http://127.0.0.1:9/typed");
+    EXPECT_EQ(Row(0).title().view(), u"Channel #1");
+    EXPECT_EQ(Row(0).id(), 1);
 }
 
 TEST_F(AddChannelWizardTest, OpmlPathListsTheVolumeFilesBrowsesAnywhereAndBackReturnsToThem) {

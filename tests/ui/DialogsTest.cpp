@@ -30,14 +30,22 @@ protected:
         std::filesystem::create_directories(card_);
         channelsScreen()->SelectRow(&Row(0));
     }
-    // Runs Options, choosing the volume at `index`.
-    void ChooseVolume(int index) {
-        onDialog_ = [index](QDialog& dialog) {
-            dynamic_cast<OptionsDialog&>(dialog).volumes()->setCurrentIndex(index);
+    // Runs Options, choosing the volume at `index`; answers the volumes offered and the index
+    // of the one in use.
+    QStringList ChooseVolume(int index) {
+        QStringList offered;
+        onDialog_ = [index, &offered](QDialog& dialog) {
+            QComboBox* volumes = dynamic_cast<OptionsDialog&>(dialog).volumes();
+            for (int i = 0; i < volumes->count(); ++i) {
+                offered << volumes->itemText(i);
+            }
+            offered << QString::number(volumes->currentIndex());
+            volumes->setCurrentIndex(index);
             dialog.accept();
             return dialog.result();
         };
         Command(kCmdOptions);
+        return offered;
     }
     bool InMainMemory(const char* file) { return std::filesystem::exists(DataFolder() / file); }
     bool OnCard(const char* file) {
@@ -100,19 +108,7 @@ TEST_F(DialogsTest, OptionsMoveTheDataFolderOnlyWhenAskedToAndItCan) {
 
     std::filesystem::remove(card_ / "Quillfeed");
     StartApp();
-    QStringList entries;
-    onDialog_ = [&entries](QDialog& dialog) {
-        QComboBox* volumes = dynamic_cast<OptionsDialog&>(dialog).volumes();
-        for (int i = 0; i < volumes->count(); ++i) {
-            entries << volumes->itemText(i);
-        }
-        entries << QString::number(volumes->currentIndex());
-        volumes->setCurrentIndex(1);
-        dialog.accept();
-        return dialog.result();
-    };
-    Command(kCmdOptions);
-    EXPECT_EQ(entries, (QStringList{"Main Memory", "Card", "0"}));
+    EXPECT_EQ(ChooseVolume(1), (QStringList{"Main Memory", "Card", "0"}));
     EXPECT_EQ(asked_.size(), 3);
     EXPECT_EQ(app().store().settings().storageVolume().str(), u"\\Card");
     EXPECT_TRUE(OnCard("Channel1.xml"));

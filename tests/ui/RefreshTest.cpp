@@ -13,7 +13,7 @@ class RefreshTest : public UiFixture {
 protected:
     // Channels "Good" (3 stories), "Missing" (404) and "Endless" (a body that never ends), in
     // that order on the channels screen.
-    void StartWithServer() {
+    RefreshTest() {
         std::vector<TestStory> good;
         for (const std::string n : {"0", "1", "2"}) {
             good.push_back({"Story " + n, "", false, "http://127.0.0.1/Good/" + n});
@@ -38,7 +38,6 @@ protected:
 };
 
 TEST_F(RefreshTest, RefreshAllFromTheMenuUpdatesRowsUntilTheStopButtonEndsIt) {
-    StartWithServer();
     OpenMenu();
     ASSERT_EQ(MenuEntry(kCmdRefreshAll)->text(), "Refresh All Channels");
     MenuEntry(kCmdRefreshAll)->trigger();
@@ -64,7 +63,6 @@ TEST_F(RefreshTest, RefreshAllFromTheMenuUpdatesRowsUntilTheStopButtonEndsIt) {
 }
 
 TEST_F(RefreshTest, DownloadChannelUpdatesOnlyTheSelectedRowAndMarkAllIsSaved) {
-    StartWithServer();
     channelsScreen()->SelectRow(&Row(0));
     Command(kCmdDownloadChannel);
     ASSERT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3 && Icon(0) == kChannelIdle; }));
@@ -79,7 +77,6 @@ TEST_F(RefreshTest, DownloadChannelUpdatesOnlyTheSelectedRowAndMarkAllIsSaved) {
 }
 
 TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItAndAFailedRefreshEndsLikeADoneOne) {
-    StartWithServer();
     channelsScreen()->SelectRow(&Row(0));
     Command(kCmdShowChannel);
     EXPECT_EQ(ShownScreen(), kChannelsScreen);
@@ -108,11 +105,11 @@ TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItAndAFailedRefreshEnd
 // The News channel of the reading tests, now refreshed from a server that has one story more.
 class RefreshUnderReaderTest : public NewsFixture {
 protected:
-    void StartServingNewerFeed() {
+    RefreshUnderReaderTest() {
         StartWithStories();
         std::vector<TestStory> newer{
             {"Echo", "Fri, 05 Jan 2024 10:00:00 GMT", false, "http://127.0.0.1/e", ""}};
-        for (TestStory story : kFourStories) {
+        for (const TestStory& story : kFourStories) {
             newer.push_back({story.title, story.date, false, story.link, ""});
         }
         server_.addRoute({"/news", 200, FeedOf(newer)});
@@ -129,7 +126,6 @@ protected:
 };
 
 TEST_F(RefreshUnderReaderTest, OpenScreensMoveToTheNewStoriesWhenARefreshLands) {
-    StartServingNewerFeed();
     OpenChannel(0);
     OpenStory(2);
     ASSERT_EQ(ShownTitle(), QStringLiteral("Charlie"));
@@ -165,7 +161,6 @@ TEST_F(RefreshUnderReaderTest, OpenScreensMoveToTheNewStoriesWhenARefreshLands) 
 }
 
 TEST_F(RefreshUnderReaderTest, QuittingDuringARefreshEndsAtOnceAndKeepsWhatWasRead) {
-    StartServingNewerFeed();
     server_.addRoute({.path = "/silent", .mode = qf::test::Route::Body::Silent});
     News().SetXmlUrl(WString(server_.url("/silent")));
     OpenChannel(0);
