@@ -1,8 +1,6 @@
 #include "UiFixture.h"
 #include "ui/HtmlView.h"
-#include "ui/PrivateMessages.h"
 
-#include <QCoreApplication>
 #include <QPushButton>
 #include <QTimer>
 
@@ -138,21 +136,6 @@ TEST_F(FrameTest, NewChannelsOnlyHidesChannelsWithoutUnreadStories) {
     EXPECT_EQ(app.store().newChannels(), 1);
     ASSERT_EQ(Rows(), 1);
     EXPECT_EQ(Row(0).title(), u"Unread");
-}
-
-TEST_F(FrameTest, RefreshDoneRunsItsCompletionOnlyWithChannelAndCompletion) {
-    WriteCategories({u"A"});
-    App& app = StartApp();
-    Channel* channel = &Row(0);
-    int runs = 0;
-    PostRefreshDone(app.mainWindow(), nullptr, [&runs](Channel&) { ++runs; });
-    PostRefreshDone(app.mainWindow(), channel, {});
-    PostRefreshDone(app.mainWindow(), channel, [&runs, channel](Channel& done) {
-        EXPECT_EQ(&done, channel);
-        ++runs;
-    });
-    QCoreApplication::processEvents();
-    EXPECT_EQ(runs, 1);
 }
 
 TEST_F(FrameTest, StoredChannelsOpenWithTheAutoUpdateAndDeletingOneAsksFirst) {
