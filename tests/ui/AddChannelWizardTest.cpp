@@ -69,7 +69,8 @@ protected:
     std::filesystem::path VolumeFolder() const { return dir_ / "home"; }
 };
 
-// Cancel leaves the store as it was; Finish merges the checked channels into their categories.
+// Finish merges the checked channels into their categories; with none checked, or on Cancel,
+// the store stays as it was.
 TEST_F(AddChannelWizardTest, DirectoryTreeOffersEveryCategoryButNotTheChannelsAlreadyHeld) {
     WriteStore([](ChannelStore& store) {
         AddTestChannel(store.DefaultCategory(), u"Held", 0, 0,
@@ -113,8 +114,8 @@ TEST_F(AddChannelWizardTest, DirectoryTreeOffersEveryCategoryButNotTheChannelsAl
         EXPECT_EQ(travel->checkState(0), Qt::Checked);
         Toggle(tree, root);
         EXPECT_EQ(travel->child(1)->checkState(0), Qt::Unchecked);
-        Toggle(tree, root->child(2));
-        wizard.reject();
+        QTest::keyClick(tree, Qt::Key_Return);
+        EXPECT_EQ(wizard.result(), QDialog::Accepted);
     };
     Command(kCmdNew);
     const auto& categories = app.store().categories();
@@ -143,6 +144,13 @@ TEST_F(AddChannelWizardTest, DirectoryTreeOffersEveryCategoryButNotTheChannelsAl
     EXPECT_EQ(categories[2]->channels()[0]->id(), firstNewId);
     EXPECT_EQ(categories[1]->channels()[1]->id(), firstNewId + 1);
     EXPECT_EQ(categories[1]->channels()[2]->id(), firstNewId + 2);
+    EXPECT_EQ(Rows(), 5);
+    wizard_ = [](AddChannelWizard& wizard) {
+        ChooseRow(wizard, 0);
+        Toggle(Tree(wizard), Tree(wizard)->topLevelItem(0));
+        wizard.reject();
+    };
+    Command(kCmdNew);
     EXPECT_EQ(Rows(), 5);
 }
 

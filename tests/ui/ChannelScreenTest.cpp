@@ -30,6 +30,7 @@ TEST_F(ChannelRowsTest, RowsShowCountsAndBoldWhileUnread) {
         AddTestChannel(category, u"All read", 0, 12);
     });
     StartApp({true, 12});
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_EQ(AutoUpdateTimer(), nullptr);
     const ChannelListModel& model = *channelsScreen()->model();
     const auto data = [&model](int row, int role) { return model.index(row).data(role).toInt(); };
