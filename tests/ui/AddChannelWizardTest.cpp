@@ -1,8 +1,6 @@
 #include "ui/AddChannelWizard.h"
 
 #include "UiFixture.h"
-#include "ui/ChannelListModel.h"
-#include "ui/ChannelsScreen.h"
 #include "ui/EnterUrlPage.h"
 #include "ui/HowToAddPage.h"
 #include "ui/PickChannelsPage.h"
@@ -11,9 +9,7 @@
 #include <QAbstractButton>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMenu>
 #include <QPushButton>
-#include <QTest>
 #include <QTreeWidget>
 
 namespace qf::ui::test {
@@ -37,7 +33,6 @@ const char kNestedOpml[] = R"(<?xml version="1.0"?>
 class AddChannelWizardTest : public UiFixture {
 protected:
     static QTreeWidget* Tree(AddChannelWizard& wizard) { return wizard.pickChannelsPage()->tree(); }
-
     static QStringList ChildTexts(const QTreeWidgetItem* item) {
         QStringList texts;
         for (int i = 0; i < item->childCount(); ++i) {
@@ -45,23 +40,16 @@ protected:
         }
         return texts;
     }
-
     static QTreeWidgetItem* Child(const QTreeWidgetItem* item, const QString& text) {
-        for (int i = 0; i < item->childCount(); ++i) {
-            if (item->child(i)->text(0) == text) {
-                return item->child(i);
-            }
-        }
-        ADD_FAILURE() << "no item " << text.toStdString();
-        return nullptr;
+        const int row = ChildTexts(item).indexOf(text);
+        EXPECT_GE(row, 0) << "no item " << text.toStdString();
+        return item->child(row);
     }
-
     // Toggles the item's check box with the space bar, as a user without a pen does.
     static void Toggle(QTreeWidget* tree, QTreeWidgetItem* item) {
         tree->setCurrentItem(item);
         QTest::keyClick(tree, Qt::Key_Space);
     }
-
     static void ChooseRow(AddChannelWizard& wizard, int row) {
         QListWidget* list = wizard.howToAddPage()->list();
         list->setCurrentRow(0);
@@ -70,9 +58,7 @@ protected:
         }
         QTest::keyClick(list, Qt::Key_Return);
     }
-
     static void ClickBack(AddChannelWizard& wizard) { wizard.button(QWizard::BackButton)->click(); }
-
     static std::vector<std::u16string> Titles(const Category& category) {
         std::vector<std::u16string> titles;
         for (const auto& channel : category.channels()) {
@@ -80,57 +66,66 @@ protected:
         }
         return titles;
     }
-
     std::filesystem::path VolumeFolder() const { return dir_ / "home"; }
 };
 
+// Finish merges the checked channels into their categories; with none checked, or on Cancel,
+// the store stays as it was.
 TEST_F(AddChannelWizardTest, DirectoryTreeOffersEveryCategoryButNotTheChannelsAlreadyHeld) {
     WriteStore([](ChannelStore& store) {
         AddTestChannel(store.DefaultCategory(), u"Held", 0, 0,
                        u"HTTP://FEEDS.BBCI.CO.UK/news/rss.xml");
+        auto* podcasts = store.AddCategory(std::make_unique<Category>(WString(u"podcasts")));
+        AddTestChannel(*podcasts, u"Mine", 0, 0, u"http://127.0.0.1:9/mine");
     });
     App& app = StartApp();
     wizard_ = [](AddChannelWizard& wizard) {
-        wizard.show();
-        EXPECT_EQ(wizard.windowTitle(), QStringLiteral("Add Channel"));
+        EXPECT_EQ(wizard.windowTitle(), "Add Channel");
         EXPECT_EQ(wizard.howToAddPage()->list()->currentRow(), 0);
         EXPECT_FALSE(wizard.button(QWizard::BackButton)->isEnabled());
         ChooseRow(wizard, 0);
         EXPECT_EQ(wizard.currentId(), kPickChannelsPage);
         QTreeWidget* tree = Tree(wizard);
         EXPECT_EQ(tree->topLevelItemCount(), 1);
-        const QTreeWidgetItem* root = tree->topLevelItem(0);
-        EXPECT_EQ(root->text(0), QStringLiteral("All Categories"));
+        QTreeWidgetItem* root = tree->topLevelItem(0);
+        EXPECT_EQ(root->text(0), "All Categories");
         EXPECT_EQ(ChildTexts(root),
                   (QStringList{"News", "Entertainment", "Podcasts", "Sports", "Business",
                                "Computers", "Health", "Travel", "Science / Technology"}));
-        const QTreeWidgetItem* news = root->child(0);
+        QTreeWidgetItem* news = root->child(0);
         EXPECT_EQ(news->childCount(), 12);
-        EXPECT_EQ(news->child(0)->text(0), QStringLiteral("BBC News - World"));
+        EXPECT_EQ(news->child(0)->text(0), "BBC News - World");
         EXPECT_FALSE(news->isExpanded());
         EXPECT_EQ(PickChannelsPage::CategoryOf(news)->channels().size(), 13u);
         EXPECT_EQ(PickChannelsPage::ChannelOf(news->child(0))->xmlUrl().view(),
                   u"http://feeds.bbci.co.uk/news/world/rss.xml");
-        Toggle(tree, root->child(2));
-        wizard.reject();
-        return wizard.result() == QDialog::Accepted;
+        // Checking an item checks only what lies below it.
+        QTreeWidgetItem* travel = Child(root, "Travel");
+        Toggle(tree, root);
+        EXPECT_EQ(news->checkState(0), Qt::Checked);
+        EXPECT_EQ(news->child(11)->checkState(0), Qt::Checked);
+        EXPECT_EQ(travel->child(1)->checkState(0), Qt::Checked);
+        Toggle(tree, news);
+        EXPECT_EQ(news->child(0)->checkState(0), Qt::Unchecked);
+        EXPECT_EQ(news->child(11)->checkState(0), Qt::Unchecked);
+        EXPECT_EQ(root->checkState(0), Qt::Checked);
+        EXPECT_EQ(travel->child(0)->checkState(0), Qt::Checked);
+        Toggle(tree, travel->child(0));
+        EXPECT_EQ(travel->checkState(0), Qt::Checked);
+        Toggle(tree, root);
+        EXPECT_EQ(travel->child(1)->checkState(0), Qt::Unchecked);
+        QTest::keyClick(tree, Qt::Key_Return);
+        EXPECT_EQ(wizard.result(), QDialog::Accepted);
     };
-    app.OnCommand(kCtlNone, kCmdNew);
-    // Cancel leaves the store as it was.
-    ASSERT_EQ(app.store().categories().size(), 1u);
-    EXPECT_EQ(app.store().categories()[0]->channels().size(), 1u);
+    Command(kCmdNew);
+    const auto& categories = app.store().categories();
+    ASSERT_EQ(categories.size(), 2u);
+    EXPECT_EQ(categories[0]->channels().size(), 1u);
+    EXPECT_EQ(categories[1]->channels().size(), 1u);
     EXPECT_TRUE(app.store().Contains(kBbcTopStories));
-}
 
-TEST_F(AddChannelWizardTest, DirectoryPathMergesTheCheckedChannelsIntoTheirCategories) {
-    WriteStore([](ChannelStore& store) {
-        auto* podcasts = store.AddCategory(std::make_unique<Category>(WString(u"podcasts")));
-        AddTestChannel(*podcasts, u"Mine", 0, 0, u"http://127.0.0.1:9/mine");
-    });
-    App& app = StartApp();
     const int32_t firstNewId = app.store().nextId();
     wizard_ = [](AddChannelWizard& wizard) {
-        wizard.show();
         ChooseRow(wizard, 0);
         QTreeWidget* tree = Tree(wizard);
         QTreeWidgetItem* root = tree->topLevelItem(0);
@@ -138,97 +133,65 @@ TEST_F(AddChannelWizardTest, DirectoryPathMergesTheCheckedChannelsIntoTheirCateg
         Toggle(tree, Child(Child(root, "Entertainment"), "Deadline"));
         // Enter on the tree finishes.
         QTest::keyClick(tree, Qt::Key_Return);
-        return wizard.result() == QDialog::Accepted;
     };
-    app.OnCommand(kCtlNone, kCmdNew);
-    const auto& categories = app.store().categories();
-    ASSERT_EQ(categories.size(), 2u);
-    EXPECT_EQ(Titles(*categories[0]),
+    Command(kCmdNew);
+    ASSERT_EQ(categories.size(), 3u);
+    EXPECT_EQ(Titles(*categories[1]),
               (std::vector<std::u16string>{u"Mine", u"NPR - Up First", u"This American Life"}));
-    EXPECT_EQ(categories[1]->name().view(), u"Entertainment");
-    EXPECT_EQ(Titles(*categories[1]), std::vector<std::u16string>{u"Deadline"});
+    EXPECT_EQ(categories[2]->name().view(), u"Entertainment");
+    EXPECT_EQ(Titles(*categories[2]), std::vector<std::u16string>{u"Deadline"});
     // Ids are handed out in the order of the tree, where Entertainment comes first.
-    EXPECT_EQ(categories[1]->channels()[0]->id(), firstNewId);
-    EXPECT_EQ(categories[0]->channels()[1]->id(), firstNewId + 1);
-    EXPECT_EQ(categories[0]->channels()[2]->id(), firstNewId + 2);
-    EXPECT_EQ(channelsScreen()->model()->rowCount(), 4);
-}
-
-TEST_F(AddChannelWizardTest, CheckingAnItemChecksOnlyWhatLiesBelowIt) {
-    StartApp();
-    AddChannelWizard wizard(app().store(), {}, nullptr);
-    wizard.show();
-    ChooseRow(wizard, 0);
-    QTreeWidget* tree = Tree(wizard);
-    QTreeWidgetItem* root = tree->topLevelItem(0);
-    QTreeWidgetItem* news = Child(root, "News");
-    QTreeWidgetItem* travel = Child(root, "Travel");
-    Toggle(tree, root);
-    EXPECT_EQ(news->checkState(0), Qt::Checked);
-    EXPECT_EQ(news->child(11)->checkState(0), Qt::Checked);
-    EXPECT_EQ(travel->child(1)->checkState(0), Qt::Checked);
-
-    Toggle(tree, news);
-    EXPECT_EQ(news->child(0)->checkState(0), Qt::Unchecked);
-    EXPECT_EQ(news->child(11)->checkState(0), Qt::Unchecked);
-    EXPECT_EQ(root->checkState(0), Qt::Checked);
-    EXPECT_EQ(travel->child(0)->checkState(0), Qt::Checked);
-    Toggle(tree, travel->child(0));
-    EXPECT_EQ(travel->checkState(0), Qt::Checked);
-
-    // With everything unchecked again, finishing adds nothing.
-    Toggle(tree, root);
-    EXPECT_EQ(travel->child(1)->checkState(0), Qt::Unchecked);
-    QTest::keyClick(tree, Qt::Key_Return);
-    EXPECT_EQ(wizard.result(), QDialog::Accepted);
-    EXPECT_TRUE(wizard.Apply());
-    EXPECT_TRUE(app().store().categories().empty());
+    EXPECT_EQ(categories[2]->channels()[0]->id(), firstNewId);
+    EXPECT_EQ(categories[1]->channels()[1]->id(), firstNewId + 1);
+    EXPECT_EQ(categories[1]->channels()[2]->id(), firstNewId + 2);
+    EXPECT_EQ(Rows(), 5);
+    wizard_ = [](AddChannelWizard& wizard) {
+        ChooseRow(wizard, 0);
+        Toggle(Tree(wizard), Tree(wizard)->topLevelItem(0));
+        wizard.reject();
+    };
+    Command(kCmdNew);
+    EXPECT_EQ(Rows(), 5);
 }
 
 TEST_F(AddChannelWizardTest, UrlPathFromTheWelcomeScreenAddsOneChannelWithTheProposedTitle) {
     App& app = StartApp();
     wizard_ = [](AddChannelWizard& wizard) {
-        wizard.show();
         ChooseRow(wizard, 1);
         EXPECT_EQ(wizard.currentId(), kEnterUrlPage);
         QLineEdit* url = wizard.enterUrlPage()->urlBox();
-        EXPECT_EQ(wizard.enterUrlPage()->titleBox()->text(), QStringLiteral("Channel #1"));
+        EXPECT_EQ(wizard.enterUrlPage()->titleBox()->text(), "Channel #1");
         EXPECT_TRUE(wizard.button(QWizard::FinishButton)->isVisible());
         // The boxes have the clipboard menu.
         QTest::mouseClick(url, Qt::RightButton, {}, QPoint(5, 5));
         auto* menu = wizard.enterUrlPage()->findChild<QMenu*>(QStringLiteral("EditMenu"));
-        EXPECT_TRUE(menu != nullptr && menu->isVisible());
-        if (menu != nullptr) {
-            menu->close();
-        }
+        ASSERT_TRUE(menu != nullptr && menu->isVisible());
+        menu->close();
         QTest::keyClicks(url, QStringLiteral("http://127.0.0.1:9/typed"));
         QTest::keyClick(url, Qt::Key_Return);
-        return wizard.result() == QDialog::Accepted;
     };
-    app.OnCommand(kCtlNone, kCmdContinue);
+    Command(kCmdContinue);
     EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_TRUE(app.store().loaded());
-    ASSERT_EQ(channelsScreen()->model()->rowCount(), 1);
-    const Channel* added = channelsScreen()->model()->ChannelAt(0);
-    EXPECT_EQ(added->xmlUrl().view(), u"http://127.0.0.1:9/typed");
-    EXPECT_EQ(added->title().view(), u"Channel #1");
-    EXPECT_EQ(added->id(), 1);
+    ASSERT_EQ(Rows(), 1);
+    EXPECT_EQ(Row(0).xmlUrl().view(), u"http://127.0.0.1:9/typed");
+    EXPECT_EQ(Row(0).title().view(), u"Channel #1");
+    EXPECT_EQ(Row(0).id(), 1);
 }
 
-TEST_F(AddChannelWizardTest, OpmlPathListsTheVolumeFilesAndBackReturnsWhereTheChannelsCameFrom) {
+TEST_F(AddChannelWizardTest, OpmlPathListsTheVolumeFilesBrowsesAnywhereAndBackReturnsToThem) {
     std::filesystem::create_directories(VolumeFolder());
     qf::test::WriteFileBytes(VolumeFolder() / "town.opml", kNestedOpml);
     qf::test::WriteFileBytes(VolumeFolder() / "Archive.OPML", "");
     qf::test::WriteFileBytes(VolumeFolder() / "notes.txt", kNestedOpml);
     App& app = StartApp();
-    app.OnCommand(kCtlNone, kCmdContinue);
+    Command(kCmdContinue);
     wizard_ = [](AddChannelWizard& wizard) {
-        wizard.show();
         ChooseRow(wizard, 2);
         EXPECT_EQ(wizard.currentId(), kPickOpmlPage);
         QListWidget* files = wizard.pickOpmlPage()->list();
         EXPECT_EQ(files->count(), 2);
-        EXPECT_EQ(files->item(0)->text(), QStringLiteral("Archive.OPML"));
+        EXPECT_EQ(files->item(0)->text(), "Archive.OPML");
         EXPECT_EQ(files->currentRow(), 0);
         // The empty file leaves the tree empty.
         QTest::keyClick(files, Qt::Key_Return);
@@ -243,56 +206,45 @@ TEST_F(AddChannelWizardTest, OpmlPathListsTheVolumeFilesAndBackReturnsWhereTheCh
         EXPECT_EQ(ChildTexts(root->child(0)), (QStringList{"Weather", "Council"}));
         Toggle(tree, root->child(0)->child(1));
         wizard.button(QWizard::FinishButton)->click();
-        return wizard.result() == QDialog::Accepted;
     };
-    app.OnCommand(kCtlNone, kCmdNew);
+    Command(kCmdNew);
     ASSERT_EQ(app.store().categories().size(), 1u);
     EXPECT_EQ(app.store().categories()[0]->name().view(), u"Local");
     EXPECT_EQ(Titles(*app.store().categories()[0]), std::vector<std::u16string>{u"Council"});
 
-    // From the built-in directory, Back leads to the first page instead.
+    // Browse takes a file from anywhere; a feed is no OPML file, with nothing to pick from.
     AddChannelWizard wizard(app.store(), {}, nullptr);
     wizard.show();
     ChooseRow(wizard, 2);
+    PickOpmlPage* page = wizard.pickOpmlPage();
+    QString offered;
+    auto chosen = dir_ / "feed.xml";
+    qf::test::WriteFileBytes(chosen,
+                             "<rss version=\"2.0\"><channel><title>T</title></channel></rss>");
+    page->SetFileChooser([&offered, &chosen](QWidget*, const QString& folder) {
+        offered = folder;
+        return QString::fromStdString(chosen.string());
+    });
+    page->browseButton()->click();
+    EXPECT_EQ(offered.toStdString(), VolumeFolder().string());
+    QTest::keyClick(page->list(), Qt::Key_Return);
+    EXPECT_EQ(Tree(wizard)->topLevelItemCount(), 0);
+    ClickBack(wizard);
+    chosen = dir_ / "elsewhere.opml";
+    qf::test::WriteFileBytes(chosen, kNestedOpml);
+    page->browseButton()->click();
+    EXPECT_EQ(page->list()->count(), 4);
+    EXPECT_EQ(page->list()->currentItem()->text(), "elsewhere.opml");
+    QTest::keyClick(page->list(), Qt::Key_Return);
+    EXPECT_EQ(Tree(wizard)->topLevelItem(0)->childCount(), 2);
+
+    // From the built-in directory, Back leads to the first page instead.
+    ClickBack(wizard);
     ClickBack(wizard);
     ChooseRow(wizard, 0);
     ClickBack(wizard);
     EXPECT_EQ(wizard.currentId(), kHowToAddPage);
     EXPECT_EQ(wizard.howToAddPage()->list()->currentRow(), 0);
-}
-
-TEST_F(AddChannelWizardTest, BrowseTakesAFileFromAnywhere) {
-    const auto elsewhere = dir_ / "elsewhere.opml";
-    const auto feed = dir_ / "feed.xml";
-    qf::test::WriteFileBytes(elsewhere, kNestedOpml);
-    qf::test::WriteFileBytes(feed,
-                             "<rss version=\"2.0\"><channel><title>T</title></channel></rss>");
-    StartApp();
-    AddChannelWizard wizard(app().store(), {}, nullptr);
-    QString offered;
-    wizard.show();
-    ChooseRow(wizard, 2);
-    PickOpmlPage* page = wizard.pickOpmlPage();
-    EXPECT_EQ(page->list()->count(), 0);
-    page->SetFileChooser([&offered, &feed](QWidget*, const QString& folder) {
-        offered = folder;
-        return QString::fromStdString(feed.string());
-    });
-    page->browseButton()->click();
-    EXPECT_EQ(offered.toStdString(), (dir_ / "home").string());
-    // A feed is no OPML file: nothing to pick from.
-    QTest::keyClick(page->list(), Qt::Key_Return);
-    EXPECT_EQ(Tree(wizard)->topLevelItemCount(), 0);
-
-    ClickBack(wizard);
-    page->SetFileChooser([&elsewhere](QWidget*, const QString&) {
-        return QString::fromStdString(elsewhere.string());
-    });
-    page->browseButton()->click();
-    EXPECT_EQ(page->list()->count(), 2);
-    EXPECT_EQ(page->list()->currentItem()->text(), QStringLiteral("elsewhere.opml"));
-    QTest::keyClick(page->list(), Qt::Key_Return);
-    EXPECT_EQ(Tree(wizard)->topLevelItem(0)->childCount(), 2);
 }
 
 } // namespace

@@ -1,33 +1,98 @@
 #include "NewsFixture.h"
 #include "ui/HtmlView.h"
-#include "ui/MainWindow.h"
-#include "ui/StoryScreen.h"
+#include "ui/RowTitle.h"
+
+#include <QApplication>
+#include <QMouseEvent>
 
 namespace qf::ui::test {
 namespace {
 
 using ChannelScreenTest = NewsFixture;
+using ChannelRowsTest = UiFixture;
 
-TEST_F(ChannelScreenTest, NewOnlyAndSortChoicesRefillAndReorderTheList) {
+TEST(RowTitle, NumericReferencesMoveTheRestByItsByteCount) {
+    // 233 replaces the "&"; nine bytes (four and a half characters) of " au lait" move left.
+    EXPECT_EQ(RowTitle(u"caf&#233; au lait"), u"caf\u00e9 au l au lait");
+    EXPECT_EQ(RowTitle(u"a&#10;b"), u"ab");
+    EXPECT_EQ(RowTitle(u"line&#10;break here"), u"linebreak reak here");
+    EXPECT_EQ(RowTitle(u"&#0; &#abc; &#x41; &amp;"), u"&#0; &#abc; &#x41; &amp;");
+    EXPECT_EQ(RowTitle(u"no end &#65"), u"no end &#65");
+    EXPECT_EQ(RowTitle(u"&#65;&#66;"), u"A&#6;B");
+}
+
+// A narrow smartphone shows the unread count alone, and has no automatic update.
+TEST_F(ChannelRowsTest, RowsShowCountsAndBoldWhileUnread) {
+    WriteStore([](ChannelStore& store) {
+        Category& category = store.DefaultCategory();
+        AddTestChannel(category, u"Empty", 0, 0);
+        AddTestChannel(category, u"Some unread", 3, 12);
+        AddTestChannel(category, u"All read", 0, 12);
+    });
+    StartApp({true, 12});
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
+    EXPECT_EQ(AutoUpdateTimer(), nullptr);
+    const ChannelListModel& model = *channelsScreen()->model();
+    const auto data = [&model](int row, int role) { return model.index(row).data(role).toInt(); };
+    const auto counts = [&](int row) {
+        return CountText(data(row, ChannelListModel::kUnreadRole),
+                         data(row, ChannelListModel::kTotalRole),
+                         channelsScreen()->unreadCountAlone());
+    };
+    app().mainWindow()->resize(480, 640);
+    app().mainWindow()->show();
+    QTest::qWait(1);
+    EXPECT_EQ(counts(0), QString());
+    EXPECT_EQ(counts(1), "3/12");
+    EXPECT_NE(data(1, ChannelListModel::kLiveUnreadRole), 0);
+    EXPECT_EQ(counts(2), "0/12");
+    EXPECT_EQ(data(2, ChannelListModel::kLiveUnreadRole), 0);
+    app().mainWindow()->resize(200, 320);
+    QTest::qWait(1);
+    ASSERT_LT(channelsScreen()->width(), 240);
+    EXPECT_EQ(counts(1), "3");
+}
+
+TEST_F(ChannelScreenTest, NewOnlySortAndMarkAllRefillTheListAndTheMenuFollows) {
     StartWithStories();
     OpenChannel(0);
     EXPECT_TRUE(news().banner()->toPlainText().contains(QStringLiteral("News")));
     EXPECT_EQ(Titles(), QStringList({"Alpha", "Bravo", "Charlie", "Delta"}));
-    app().OnCommand(kCtlNone, kCmdNewHeadlinesOnly);
+    OpenMenu(QStringLiteral("View"));
+    EXPECT_TRUE(MenuEntry(kCmdDoNotSort)->isChecked());
+    EXPECT_FALSE(MenuEntry(kCmdAscending)->isEnabled());
+    EXPECT_FALSE(MenuEntry(kCmdPlayPodcast)->isEnabled());
+    EXPECT_EQ(MenuEntry(kCmdRefreshChannel)->text(), "Refresh Channel");
+    Command(kCmdNewHeadlinesOnly);
     EXPECT_EQ(Titles(), QStringList({"Alpha", "Charlie"}));
-    app().OnCommand(kCtlNone, kCmdNewHeadlinesOnly);
+    Command(kCmdNewHeadlinesOnly);
 
-    app().OnCommand(kCtlNone, kCmdSortByDate);
+    Command(kCmdSortByDate);
     EXPECT_EQ(Titles(), QStringList({"Bravo", "Delta", "Alpha", "Charlie"}));
-    app().OnCommand(kCtlNone, kCmdAscending);
+    Command(kCmdAscending);
     EXPECT_EQ(Titles(), QStringList({"Charlie", "Alpha", "Delta", "Bravo"}));
+    OpenMenu(QStringLiteral("View"));
+    EXPECT_TRUE(MenuEntry(kCmdSortByDate)->isChecked());
+    EXPECT_FALSE(MenuEntry(kCmdDoNotSort)->isChecked());
+    EXPECT_TRUE(MenuEntry(kCmdAscending)->isEnabled());
+    EXPECT_TRUE(MenuEntry(kCmdAscending)->isChecked());
     // The key changes, the direction stays: unread first.
-    app().OnCommand(kCtlNone, kCmdSortByStatus);
+    Command(kCmdSortByStatus);
     EXPECT_EQ(Titles(), QStringList({"Alpha", "Charlie", "Bravo", "Delta"}));
-    app().OnCommand(kCtlNone, kCmdAscending);
+    Command(kCmdAscending);
     EXPECT_EQ(Titles(), QStringList({"Bravo", "Delta", "Alpha", "Charlie"}));
-    app().OnCommand(kCtlNone, kCmdDoNotSort);
+    Command(kCmdDoNotSort);
     EXPECT_EQ(Titles(), QStringList({"Alpha", "Bravo", "Charlie", "Delta"}));
+
+    // Mark all repaints the rows and refills the new-only list.
+    Command(kCmdMarkAllRead);
+    EXPECT_TRUE(Read(0) && Read(2));
+    EXPECT_EQ(UnreadOnChannelsScreen(), 0);
+    Command(kCmdNewHeadlinesOnly);
+    EXPECT_TRUE(Titles().isEmpty());
+    Command(kCmdMarkAllUnread);
+    EXPECT_EQ(Titles().size(), 4);
+    EXPECT_EQ(UnreadOnChannelsScreen(), 4);
 }
 
 TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) {
@@ -35,7 +100,7 @@ TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) 
     OpenChannel(0);
     QListView* list = news().list();
     const int storyHeight = list->visualRect(news().model()->index(0)).height();
-    app().OnCommand(kCtlNone, kCmdBack);
+    Command(kCmdBack);
     OpenChannel(1);
     ASSERT_EQ(Titles(), QStringList({"Failed to parse the channel@1/5/24 9:30 AM"}));
     // The message row has room for a third line.
@@ -55,19 +120,6 @@ TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) 
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
     QCoreApplication::processEvents();
     EXPECT_EQ(ShownScreen(), kChannelScreen);
-}
-
-TEST_F(ChannelScreenTest, MarkAllRepaintsTheRowsAndRefillsTheNewOnlyList) {
-    StartWithStories();
-    OpenChannel(0);
-    app().OnCommand(kCtlNone, kCmdMarkAllRead);
-    EXPECT_TRUE(Read(0) && Read(2));
-    EXPECT_EQ(UnreadOnChannelsScreen(), 0);
-    app().OnCommand(kCtlNone, kCmdNewHeadlinesOnly);
-    EXPECT_TRUE(Titles().isEmpty());
-    app().OnCommand(kCtlNone, kCmdMarkAllUnread);
-    EXPECT_EQ(Titles().size(), 4);
-    EXPECT_EQ(UnreadOnChannelsScreen(), 4);
 }
 
 TEST_F(ChannelScreenTest, KeyboardMovesOpensGoesBackAndStepsChannels) {
@@ -91,6 +143,39 @@ TEST_F(ChannelScreenTest, KeyboardMovesOpensGoesBackAndStepsChannels) {
     ASSERT_TRUE(WaitFor([this] { return news().channel()->id() == 2; }));
     QTest::keyClick(list, Qt::Key_Left);
     ASSERT_TRUE(WaitFor([this] { return news().channel()->id() == 1; }));
+}
+
+TEST_F(ChannelScreenTest, TapOpensAChannelRightClickShowsItsMenuAndBackEndsMinimised) {
+    StartWithStories();
+    app().mainWindow()->show();
+    QListView* list = channelsScreen()->list();
+    const QRect row = list->visualRect(list->model()->index(0, 0));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
+    ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kChannelScreen; }));
+    EXPECT_EQ(Titles().size(), 4);
+    // The second click of a double-click lands on the headline now under the pointer; it opens
+    // nothing and marks nothing read.
+    QWidget* headlines = news().list()->viewport();
+    for (const QEvent::Type type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+        QMouseEvent second(type, row.center(), headlines->mapToGlobal(row.center()), Qt::LeftButton,
+                           type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
+        QApplication::sendEvent(headlines, &second);
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ShownScreen(), kChannelScreen);
+    EXPECT_FALSE(Read(0));
+
+    QTest::keyClick(app().mainWindow(), Qt::Key_Escape);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
+    emit list->customContextMenuRequested(row.center());
+    ASSERT_TRUE(WaitFor([this] { return ContextMenu()->isVisible(); }));
+    const QList<QAction*> entries = ContextMenu()->actions();
+    EXPECT_EQ(entries.first()->text(), "Show Channel");
+    EXPECT_EQ(entries.last()->text(), "Channel Properties...");
+    ContextMenu()->close();
+    QTest::keyClick(app().mainWindow(), Qt::Key_Escape);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
+    EXPECT_TRUE(app().mainWindow()->isMinimized());
 }
 
 } // namespace

@@ -1,9 +1,7 @@
 #include "UiFixture.h"
 #include "model/DataFolder.h"
 #include "platform/FsPath.h"
-#include "ui/ChannelListModel.h"
 #include "ui/ChannelPropertiesDialog.h"
-#include "ui/ChannelsScreen.h"
 #include "ui/OptionsDialog.h"
 
 #include <QComboBox>
@@ -13,9 +11,11 @@
 namespace qf::ui::test {
 namespace {
 
+// The channel "Old title" of the category "News", with its cached feed, and a card put in after
+// the first start (a first start would choose it as the volume).
 class DialogsTest : public UiFixture {
 protected:
-    void WriteOneChannel() {
+    DialogsTest() {
         WriteStore([](ChannelStore& store) {
             auto* category = store.AddCategory(std::make_unique<Category>(WString(u"News")));
             Channel& channel =
@@ -25,17 +25,45 @@ protected:
             updated.SetFields(2024, 3, 5, 14, 30, 0, 0);
             channel.SetUpdateTime(updated);
         });
+        qf::test::WriteFileBytes(DataFolder() / "Channel1.xml", "<rss/>");
+        StartApp();
+        std::filesystem::create_directories(card_);
+        channelsScreen()->SelectRow(&Row(0));
     }
-    Channel* First() { return app().store().categories()[0]->channels()[0].get(); }
-    std::filesystem::path CardDataFolder(const std::u16string& card) {
-        return ToFsPath(*DataFolderOfVolume(u"\\" + card));
+    // Runs Options, choosing the volume at `index`; answers the volumes offered and the index
+    // of the one in use.
+    QStringList ChooseVolume(int index) {
+        QStringList offered;
+        onDialog_ = [index, &offered](QDialog& dialog) {
+            QComboBox* volumes = dynamic_cast<OptionsDialog&>(dialog).volumes();
+            for (int i = 0; i < volumes->count(); ++i) {
+                offered << volumes->itemText(i);
+            }
+            offered << QString::number(volumes->currentIndex());
+            volumes->setCurrentIndex(index);
+            dialog.accept();
+            return dialog.result();
+        };
+        Command(kCmdOptions);
+        return offered;
     }
+    bool InMainMemory(const char* file) { return std::filesystem::exists(DataFolder() / file); }
+    bool OnCard(const char* file) {
+        return std::filesystem::exists(ToFsPath(*DataFolderOfVolume(u"\\Card")) / file);
+    }
+
+    const std::filesystem::path card_ = dir_ / "cards" / "Card";
 };
 
 TEST_F(DialogsTest, PropertiesShowTheChannelAndDoneStoresAddressAndTitle) {
-    WriteOneChannel();
-    StartApp();
-    channelsScreen()->SelectRow(First());
+    onDialog_ = [](QDialog& dialog) {
+        dynamic_cast<ChannelPropertiesDialog&>(dialog).title()->setText(QStringLiteral("New"));
+        dialog.reject();
+        return dialog.result();
+    };
+    Command(kCmdChannelProperties);
+    EXPECT_EQ(Row(0).title().str(), u"Old title");
+
     QStringList shown;
     onDialog_ = [&shown](QDialog& dialog) {
         auto& properties = dynamic_cast<ChannelPropertiesDialog&>(dialog);
@@ -46,97 +74,48 @@ TEST_F(DialogsTest, PropertiesShowTheChannelAndDoneStoresAddressAndTitle) {
         properties.accept();
         return properties.result();
     };
-    app().OnCommand(kCtlNone, kCmdChannelProperties);
+    Command(kCmdChannelProperties);
     ASSERT_EQ(shown.size(), 4);
     EXPECT_EQ(shown[0], "Properties");
     EXPECT_EQ(shown[1], "http://127.0.0.1:9/a");
     EXPECT_EQ(shown[2], "Old title");
     EXPECT_FALSE(shown[3].isEmpty());
-    EXPECT_EQ(First()->xmlUrl().str(), u"http://127.0.0.1:9/b");
+    EXPECT_EQ(Row(0).xmlUrl().str(), u"http://127.0.0.1:9/b");
     // An emptied title is stored as an empty text, not left as it was.
-    EXPECT_FALSE(First()->title().isNull());
-    EXPECT_EQ(First()->title().str(), u"");
+    EXPECT_FALSE(Row(0).title().isNull());
+    EXPECT_EQ(Row(0).title().str(), u"");
 }
 
-TEST_F(DialogsTest, PropertiesCancelledChangeNothing) {
-    WriteOneChannel();
-    StartApp();
-    channelsScreen()->SelectRow(First());
-    onDialog_ = [](QDialog& dialog) {
-        dynamic_cast<ChannelPropertiesDialog&>(dialog).title()->setText(QStringLiteral("New"));
-        dialog.reject();
-        return dialog.result();
-    };
-    app().OnCommand(kCtlNone, kCmdChannelProperties);
-    EXPECT_EQ(First()->title().str(), u"Old title");
-}
-
-TEST_F(DialogsTest, OptionsMoveTheDataFolderToTheChosenCard) {
-    WriteOneChannel();
-    qf::test::WriteFileBytes(DataFolder() / "Channel1.xml", "<rss/>");
-    // A card put in after the first start: a first start would choose it as the volume.
-    StartApp();
-    std::filesystem::create_directories(dir_ / "cards" / "Card");
-    QStringList entries;
-    onDialog_ = [&entries](QDialog& dialog) {
-        QComboBox* volumes = dynamic_cast<OptionsDialog&>(dialog).volumes();
-        for (int i = 0; i < volumes->count(); ++i) {
-            entries << volumes->itemText(i);
-        }
-        entries << QString::number(volumes->currentIndex());
-        volumes->setCurrentIndex(1);
-        dialog.accept();
-        return dialog.result();
-    };
-    app().OnCommand(kCtlNone, kCmdOptions);
-    EXPECT_EQ(entries, (QStringList{"Main Memory", "Card", "0"}));
-    EXPECT_EQ(asked_.size(), 1);
-    EXPECT_EQ(app().store().settings().storageVolume().str(), u"\\Card");
-    EXPECT_TRUE(std::filesystem::exists(CardDataFolder(u"Card") / "Channel1.xml"));
-    EXPECT_FALSE(std::filesystem::exists(DataFolder() / "Channel1.xml"));
-    QuitApp();
-    EXPECT_TRUE(std::filesystem::exists(CardDataFolder(u"Card") / "QFChannels.opml"));
-    EXPECT_FALSE(std::filesystem::exists(DataFolder() / "QFChannels.opml"));
-}
-
-TEST_F(DialogsTest, OptionsMoveNothingForTheVolumeInUseOrWhenTheUserSaysNo) {
-    WriteOneChannel();
-    StartApp();
-    std::filesystem::create_directories(dir_ / "cards" / "Card");
-    int choice = 0;
-    onDialog_ = [&choice](QDialog& dialog) {
-        dynamic_cast<OptionsDialog&>(dialog).volumes()->setCurrentIndex(choice);
-        dialog.accept();
-        return dialog.result();
-    };
-    app().OnCommand(kCtlNone, kCmdOptions);
+TEST_F(DialogsTest, OptionsMoveTheDataFolderOnlyWhenAskedToAndItCan) {
+    // The volume in use moves nothing, and neither does a No.
+    ChooseVolume(0);
     EXPECT_TRUE(asked_.isEmpty());
-    choice = 1;
     answer_ = false;
-    app().OnCommand(kCtlNone, kCmdOptions);
+    ChooseVolume(1);
     EXPECT_EQ(asked_.size(), 1);
     EXPECT_EQ(app().store().settings().storageVolume().str(), u"\\");
-    EXPECT_TRUE(std::filesystem::exists(DataFolder() / "QFChannels.opml"));
-}
+    EXPECT_TRUE(InMainMemory("QFChannels.opml"));
 
-TEST_F(DialogsTest, OptionsKeepTheVolumeInUseWhenTheMoveFails) {
-    WriteOneChannel();
-    qf::test::WriteFileBytes(DataFolder() / "Channel1.xml", "<rss/>");
-    StartApp();
     // A file where the card's folder for the data should go: nothing can be moved there.
-    std::filesystem::create_directories(dir_ / "cards" / "Card");
-    qf::test::WriteFileBytes(dir_ / "cards" / "Card" / "Quillfeed", "in the way");
-    onDialog_ = [](QDialog& dialog) {
-        dynamic_cast<OptionsDialog&>(dialog).volumes()->setCurrentIndex(1);
-        dialog.accept();
-        return dialog.result();
-    };
-    app().OnCommand(kCtlNone, kCmdOptions);
+    qf::test::WriteFileBytes(card_ / "Quillfeed", "in the way");
+    answer_ = true;
+    ChooseVolume(1);
     EXPECT_EQ(told_.size(), 1);
     EXPECT_EQ(app().store().settings().storageVolume().str(), u"\\");
-    EXPECT_TRUE(std::filesystem::exists(DataFolder() / "Channel1.xml"));
+    EXPECT_TRUE(InMainMemory("Channel1.xml"));
     QuitApp();
-    EXPECT_TRUE(std::filesystem::exists(DataFolder() / "QFChannels.opml"));
+    EXPECT_TRUE(InMainMemory("QFChannels.opml"));
+
+    std::filesystem::remove(card_ / "Quillfeed");
+    StartApp();
+    EXPECT_EQ(ChooseVolume(1), (QStringList{"Main Memory", "Card", "0"}));
+    EXPECT_EQ(asked_.size(), 3);
+    EXPECT_EQ(app().store().settings().storageVolume().str(), u"\\Card");
+    EXPECT_TRUE(OnCard("Channel1.xml"));
+    EXPECT_FALSE(InMainMemory("Channel1.xml"));
+    QuitApp();
+    EXPECT_TRUE(OnCard("QFChannels.opml"));
+    EXPECT_FALSE(InMainMemory("QFChannels.opml"));
 }
 
 } // namespace

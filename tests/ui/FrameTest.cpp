@@ -1,16 +1,7 @@
 #include "UiFixture.h"
-#include "ui/ChannelListModel.h"
-#include "ui/ChannelsScreen.h"
 #include "ui/HtmlView.h"
-#include "ui/MainWindow.h"
-#include "ui/PrivateMessages.h"
-#include "ui/SoftKeyBar.h"
-#include "ui/WelcomeScreen.h"
 
-#include <QCoreApplication>
-#include <QListView>
 #include <QPushButton>
-#include <QTest>
 #include <QTimer>
 
 namespace qf::ui::test {
@@ -18,64 +9,52 @@ namespace {
 
 class FrameTest : public UiFixture {
 protected:
-    void WriteCategories(int count) {
-        WriteStore([count](ChannelStore& store) {
-            for (int i = 0; i < count; ++i) {
-                auto* category = store.AddCategory(std::make_unique<Category>(
-                    WString(u"Category " + std::u16string(1, static_cast<char16_t>(u'A' + i)))));
-                AddTestChannel(*category, u"Channel of " + category->name().str(), 1, 2);
+    // One category for each name, with one channel "<name> news" in it.
+    void WriteCategories(std::initializer_list<std::u16string> names) {
+        WriteStore([names](ChannelStore& store) {
+            for (const auto& name : names) {
+                auto* category = store.AddCategory(std::make_unique<Category>(WString(name)));
+                AddTestChannel(*category, name + u" news", 1, 3);
             }
         });
     }
-    int Rows() { return channelsScreen()->model()->rowCount(); }
+    void StartWithCategories(std::initializer_list<std::u16string> names) {
+        WriteCategories(names);
+        StartApp();
+    }
+    QMenu* CategoryMenu() {
+        return OpenMenu(QStringLiteral("View"))
+            ->findChild<QMenu*>(QLatin1StringView(kCategorySubmenuName));
+    }
 };
 
-TEST_F(FrameTest, FirstRunShowsWelcomeAndContinueOpensTheChannelsScreen) {
-    App& app = StartApp();
-    EXPECT_EQ(ShownScreen(), kWelcomeScreen);
-    EXPECT_EQ(app.mainWindow()->windowTitle(), QStringLiteral("Quillfeed"));
-    EXPECT_TRUE(welcomeScreen()->view()->toPlainText().contains(u"Welcome to Quillfeed!"));
-    EXPECT_EQ(app.mainWindow()->softKeys()->leftKey()->text(), QStringLiteral("Continue"));
-    EXPECT_EQ(AutoUpdateTimer(), nullptr);
+TEST_F(FrameTest, FirstRunShowsWelcomeInAPhoneSizedWindowThatComesBackAsItWasLeft) {
+    App& first = StartApp();
+    EXPECT_LT(first.mainWindow()->width(), first.mainWindow()->height());
+    first.mainWindow()->setGeometry(40, 50, 500, 420);
+    // A store never loaded is not written at exit; the settings are.
+    QuitApp();
+    EXPECT_TRUE(StoreFileText().empty());
+    const std::string settings =
+        qf::test::ReadFileBytes(dir_ / "config" / "Orvelcraft" / "Quillfeed.conf");
+    EXPECT_NE(settings.find("[Options]"), std::string::npos);
+    EXPECT_NE(settings.find("[Window]"), std::string::npos);
 
+    App& app = StartApp();
+    EXPECT_EQ(app.mainWindow()->size(), QSize(500, 420));
+    EXPECT_EQ(ShownScreen(), kWelcomeScreen);
+    EXPECT_EQ(app.mainWindow()->windowTitle(), "Quillfeed");
+    EXPECT_TRUE(welcomeScreen()->view()->toPlainText().contains(u"Welcome to Quillfeed!"));
+    EXPECT_EQ(app.mainWindow()->softKeys()->leftKey()->text(), "Continue");
+    EXPECT_EQ(AutoUpdateTimer(), nullptr);
     // F1 is the left soft key.
     app.mainWindow()->show();
     QTest::keyClick(app.mainWindow(), Qt::Key_F1);
     EXPECT_EQ(ShownScreen(), kChannelsScreen);
     EXPECT_TRUE(app.store().loaded());
-    EXPECT_EQ(app.mainWindow()->softKeys()->leftKey()->text(), QStringLiteral("New"));
+    EXPECT_EQ(app.mainWindow()->softKeys()->leftKey()->text(), "New");
     QuitApp();
     EXPECT_NE(StoreFileText().find("<opml"), std::string::npos);
-}
-
-TEST_F(FrameTest, StoreFileOpensTheChannelsScreenWithTheAutoUpdateTimerExceptOnASmartphone) {
-    WriteCategories(2);
-    StartApp();
-    EXPECT_EQ(ShownScreen(), kChannelsScreen);
-    EXPECT_EQ(Rows(), 2);
-    ASSERT_NE(AutoUpdateTimer(), nullptr);
-    EXPECT_TRUE(AutoUpdateTimer()->isActive());
-    EXPECT_EQ(AutoUpdateTimer()->interval(), 30000);
-    QuitApp();
-
-    StartApp({true, 12});
-    EXPECT_EQ(ShownScreen(), kChannelsScreen);
-    EXPECT_EQ(AutoUpdateTimer(), nullptr);
-}
-
-// A store never loaded is not written at exit; the settings are.
-TEST_F(FrameTest, WindowStartsPhoneSizedAndComesBackAsItWasLeft) {
-    App& first = StartApp();
-    EXPECT_LT(first.mainWindow()->width(), first.mainWindow()->height());
-    first.mainWindow()->setGeometry(40, 50, 500, 420);
-    QuitApp();
-    EXPECT_TRUE(StoreFileText().empty());
-    App& second = StartApp();
-    EXPECT_EQ(second.mainWindow()->size(), QSize(500, 420));
-    const std::string settings =
-        qf::test::ReadFileBytes(dir_ / "config" / "Orvelcraft" / "Quillfeed.conf");
-    EXPECT_NE(settings.find("[Options]"), std::string::npos);
-    EXPECT_NE(settings.find("[Window]"), std::string::npos);
 }
 
 TEST_F(FrameTest, UnreadableStoreFileIsReportedAndAnEmptyListShown) {
@@ -92,10 +71,10 @@ TEST_F(FrameTest, UnreadableStoreFileIsReportedAndAnEmptyListShown) {
 TEST_F(FrameTest, UnreadableStoreFileOffersTheNewestBackupInItsPlace) {
     const auto backups = DataFolder() / "Backups";
     std::filesystem::create_directories(backups);
-    WriteCategories(1);
+    WriteCategories({u"A"});
     std::filesystem::rename(DataFolder() / "QFChannels.opml",
                             backups / "QFChannels-2024-03-04.opml");
-    WriteCategories(2);
+    WriteCategories({u"A", u"B"});
     std::filesystem::rename(DataFolder() / "QFChannels.opml",
                             backups / "QFChannels-2024-03-05.opml");
     const std::string newest = qf::test::ReadFileBytes(backups / "QFChannels-2024-03-05.opml");
@@ -114,51 +93,35 @@ TEST_F(FrameTest, UnreadableStoreFileOffersTheNewestBackupInItsPlace) {
     EXPECT_EQ(ShownScreen(), kChannelsScreen);
 }
 
-TEST_F(FrameTest, BackKeyStepsBackThroughTheScreensAndThenMinimises) {
-    WriteCategories(1);
-    App& app = StartApp();
-    app.mainWindow()->show();
-    app.SetScreen(kStoryScreen);
-    QTest::keyClick(app.mainWindow(), Qt::Key_Escape);
-    EXPECT_EQ(ShownScreen(), kChannelScreen);
-    QTest::keyClick(app.mainWindow(), Qt::Key_Escape);
-    EXPECT_EQ(ShownScreen(), kChannelsScreen);
-    QTest::keyClick(app.mainWindow(), Qt::Key_Escape);
-    EXPECT_EQ(ShownScreen(), kChannelsScreen);
-    EXPECT_TRUE(app.mainWindow()->isMinimized());
-}
-
-TEST_F(FrameTest, BackCommandGoesToTheChannelsScreenUntilTheStoreIsLoaded) {
-    App& app = StartApp();
-    EXPECT_TRUE(app.OnCommand(kCtlNone, kCmdBack));
-    EXPECT_EQ(ShownScreen(), kChannelsScreen);
-    app.SetScreen(kStoryScreen);
-    app.OnCommand(kCtlNone, kCmdBack);
-    EXPECT_EQ(ShownScreen(), kChannelsScreen);
-
-    app.store().SetLoaded(true);
-    app.SetScreen(kStoryScreen);
-    app.OnCommand(kCtlNone, kCmdBack);
-    EXPECT_EQ(ShownScreen(), kChannelScreen);
-}
-
+// The menu checks the text size, an unknown one as Medium, and ClearType.
 TEST_F(FrameTest, CommandsActOnlyOnTheScreensTheyBelongTo) {
     App& app = StartApp();
-    EXPECT_TRUE(app.OnCommand(kCtlNone, kCmdTextLargest));
+    app.store().settings().SetTextSize(9);
+    QMenu* sizes = OpenMenu(QStringLiteral("Text Size"));
+    EXPECT_EQ(Checked(sizes), QStringList{"Medium"});
+    EXPECT_TRUE(MenuEntry(kCmdClearType)->isChecked());
+    EXPECT_TRUE(Command(kCmdTextLargest));
     EXPECT_EQ(app.store().settings().textSize(), 4);
     EXPECT_EQ(welcomeScreen()->view()->textSizeLevel(), 4);
-    EXPECT_TRUE(app.OnCommand(kCtlNone, kCmdClearType));
+    EXPECT_TRUE(Command(kCmdClearType));
     EXPECT_EQ(app.store().settings().clearType(), 0);
     EXPECT_FALSE(welcomeScreen()->view()->clearType());
-    EXPECT_FALSE(app.OnCommand(kCtlNone, kCmdRefreshAll));
-    EXPECT_FALSE(app.OnCommand(kCtlNone, 12345));
-
-    app.OnCommand(kCtlNone, kCmdContinue);
-    EXPECT_FALSE(app.OnCommand(kCtlNone, kCmdTextSmallest));
+    OpenMenu(QStringLiteral("Text Size"));
+    EXPECT_EQ(Checked(sizes), QStringList{"Largest"});
+    EXPECT_FALSE(MenuEntry(kCmdClearType)->isChecked());
+    EXPECT_FALSE(Command(kCmdRefreshAll));
+    EXPECT_FALSE(Command(12345));
+    // Until the store is loaded, Back goes to the channels screen from anywhere.
+    EXPECT_TRUE(Command(kCmdBack));
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
+    app.SetScreen(kStoryScreen);
+    Command(kCmdBack);
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
+    EXPECT_FALSE(Command(kCmdTextSmallest));
     EXPECT_EQ(app.store().settings().textSize(), 4);
-    EXPECT_TRUE(app.OnCommand(kCtlNone, kCmdReadOffline));
-    EXPECT_TRUE(app.OnCommand(kCtlNone, kCmdAbout));
-    EXPECT_EQ(told_, QStringList{QStringLiteral("About")});
+    EXPECT_TRUE(Command(kCmdReadOffline));
+    EXPECT_TRUE(Command(kCmdAbout));
+    EXPECT_EQ(told_, QStringList{"About"});
 }
 
 TEST_F(FrameTest, NewChannelsOnlyHidesChannelsWithoutUnreadStories) {
@@ -169,64 +132,91 @@ TEST_F(FrameTest, NewChannelsOnlyHidesChannelsWithoutUnreadStories) {
     });
     App& app = StartApp();
     EXPECT_EQ(Rows(), 2);
-    app.OnCommand(kCtlNone, kCmdNewChannelsOnly);
+    Command(kCmdNewChannelsOnly);
     EXPECT_EQ(app.store().newChannels(), 1);
     ASSERT_EQ(Rows(), 1);
-    EXPECT_EQ(channelsScreen()->model()->ChannelAt(0)->title(), u"Unread");
+    EXPECT_EQ(Row(0).title(), u"Unread");
 }
 
-TEST_F(FrameTest, EveryMenuCommandAboveTheCategoryBaseChoosesACategory) {
-    WriteCategories(9);
-    App& app = StartApp();
-    EXPECT_EQ(Rows(), 9);
-    // "New" is 40108: with nine categories it also shows the eighth, as it always did.
-    app.OnCommand(kCtlNone, kCmdNew);
-    EXPECT_EQ(app.store().categoryId(), 7);
-    ASSERT_EQ(Rows(), 1);
-    EXPECT_EQ(channelsScreen()->model()->ChannelAt(0)->title(), u"Channel of Category H");
-    app.OnCommand(kCtlNone, kCmdAllCategories);
-    EXPECT_EQ(app.store().categoryId(), -1);
-    EXPECT_EQ(Rows(), 9);
-}
-
-TEST_F(FrameTest, RefreshDoneRunsItsCompletionOnlyWithChannelAndCompletion) {
-    WriteCategories(1);
-    App& app = StartApp();
-    Channel* channel = channelsScreen()->model()->ChannelAt(0);
-    int runs = 0;
-    PostRefreshDone(app.mainWindow(), nullptr, [&runs](Channel&) { ++runs; });
-    PostRefreshDone(app.mainWindow(), channel, {});
-    PostRefreshDone(app.mainWindow(), channel, [&runs, channel](Channel& done) {
-        EXPECT_EQ(&done, channel);
-        ++runs;
-    });
-    QCoreApplication::processEvents();
-    EXPECT_EQ(runs, 1);
-}
-
-TEST_F(FrameTest, DeletingAChannelAsksFirstThenRemovesItsRowAndFiles) {
-    WriteCategories(2);
-    App& app = StartApp();
-    ChannelsScreen& screen = *channelsScreen();
-    Channel* doomed = screen.model()->ChannelAt(0);
+TEST_F(FrameTest, StoredChannelsOpenWithTheAutoUpdateAndDeletingOneAsksFirst) {
+    StartWithCategories({u"A", u"B"});
+    EXPECT_EQ(ShownScreen(), kChannelsScreen);
+    EXPECT_EQ(Rows(), 2);
+    ASSERT_NE(AutoUpdateTimer(), nullptr);
+    EXPECT_TRUE(AutoUpdateTimer()->isActive());
+    EXPECT_EQ(AutoUpdateTimer()->interval(), 30000);
+    Channel* doomed = &Row(0);
     const std::string doomedTitle = doomed->title().toUtf8();
-    const std::string keptTitle = screen.model()->ChannelAt(1)->title().toUtf8();
-    const auto cached = DataFolder() / ("Channel" + std::to_string(doomed->id()) + ".xml");
+    const std::string keptTitle = Row(1).title().toUtf8();
+    const auto cached = CachedFeed(doomed->id());
     qf::test::WriteFileBytes(cached, "<rss/>");
-    screen.SelectRow(doomed);
+    channelsScreen()->SelectRow(doomed);
 
     answer_ = false;
-    app.OnCommand(kCtlNone, kCmdDeleteChannel);
-    EXPECT_EQ(asked_, QStringList{QStringLiteral("Do you want to delete this channel?")});
+    Command(kCmdDeleteChannel);
+    EXPECT_EQ(asked_, QStringList{"Do you want to delete this channel?"});
     EXPECT_EQ(Rows(), 2);
-
     answer_ = true;
-    app.OnCommand(kCtlNone, kCmdDeleteChannel);
+    Command(kCmdDeleteChannel);
     EXPECT_EQ(Rows(), 1);
     EXPECT_FALSE(std::filesystem::exists(cached));
     QuitApp();
     EXPECT_EQ(StoreFileText().find(doomedTitle), std::string::npos);
     EXPECT_NE(StoreFileText().find(keptTitle), std::string::npos);
+}
+
+TEST_F(FrameTest, ChannelEntriesNeedASelectedRowAndRefreshTextFollowsBusy) {
+    StartWithCategories({u"Default"});
+    OpenMenu();
+    for (int command :
+         {kCmdShowChannel, kCmdDownloadChannel, kCmdDeleteChannel, kCmdChannelProperties}) {
+        EXPECT_FALSE(MenuEntry(command)->isEnabled()) << command;
+    }
+    EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), "Refresh All Channels");
+
+    channelsScreen()->SelectRow(&Row(0));
+    app().store().refresh().Start();
+    OpenMenu();
+    EXPECT_TRUE(MenuEntry(kCmdDeleteChannel)->isEnabled());
+    EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), "Stop Refresh");
+    // The category list is left alone while a refresh runs.
+    EXPECT_EQ(CategoryMenu()->actions().size(), 1);
+    app().store().refresh().Finish();
+}
+
+TEST_F(FrameTest, CategorySubmenuListsTheCategoriesAndChecksTheShownOne) {
+    StartWithCategories({u"World", u"Sports", u"Tech"});
+    QMenu* categories = CategoryMenu();
+    ASSERT_NE(categories, nullptr);
+    EXPECT_EQ(categories->actions().size(), 4);
+    EXPECT_EQ(categories->actions()[2]->text(), "Sports");
+    EXPECT_EQ(Checked(categories), QStringList{"All Categories"});
+
+    categories->actions()[2]->trigger();
+    EXPECT_EQ(app().store().categoryId(), 1);
+    EXPECT_EQ(Rows(), 1);
+    OpenMenu(QStringLiteral("View"));
+    EXPECT_EQ(Checked(categories), QStringList{"Sports"});
+    EXPECT_FALSE(MenuEntry(kCmdNewChannelsOnly)->isChecked());
+}
+
+TEST_F(FrameTest, EveryCommandAboveTheCategoryBaseChoosesACategory) {
+    StartWithCategories({u"A", u"B", u"C", u"D", u"E", u"F", u"G", u"H", u"I"});
+    QMenu* categories = CategoryMenu();
+    emit categories->aboutToShow();
+    // The ninth category is entry 40109, the number of "Delete Channel", which needs a row.
+    EXPECT_EQ(categories->actions().last()->text(), "I");
+    EXPECT_TRUE(categories->actions().last()->isEnabled());
+    EXPECT_FALSE(MenuEntry(kCmdDeleteChannel)->isEnabled());
+    // "New" is 40108: with nine categories it also shows the eighth, as it always did.
+    EXPECT_EQ(Rows(), 9);
+    Command(kCmdNew);
+    EXPECT_EQ(app().store().categoryId(), 7);
+    ASSERT_EQ(Rows(), 1);
+    EXPECT_EQ(Row(0).title(), u"H news");
+    Command(kCmdAllCategories);
+    EXPECT_EQ(app().store().categoryId(), -1);
+    EXPECT_EQ(Rows(), 9);
 }
 
 } // namespace

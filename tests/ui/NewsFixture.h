@@ -1,15 +1,9 @@
 #pragma once
 
 #include "UiFixture.h"
-#include "model/CachedFileNames.h"
-#include "platform/FsPath.h"
-#include "ui/ChannelListModel.h"
-#include "ui/ChannelScreen.h"
-#include "ui/ChannelsScreen.h"
 #include "ui/NewsListModel.h"
 
 #include <QListView>
-#include <QTest>
 
 namespace qf::ui::test {
 
@@ -29,6 +23,18 @@ inline const std::vector<TestStory> kFourStories = {
     {"Charlie", "Mon, 01 Jan 2024 10:00:00 GMT", false, "http://127.0.0.1/c"},
     {"Delta", "Wed, 03 Jan 2024 10:00:00 GMT", true, "http://127.0.0.1/d"}};
 
+// A feed "News" with the stories, as a cached one has them.
+inline std::string FeedOf(const std::vector<TestStory>& stories) {
+    std::string feed = "<rss version=\"2.0\"><channel><title>News</title>";
+    for (const TestStory& s : stories) {
+        feed += (s.read ? "<item qf_wasRead=\"yes\"><title>" : "<item><title>") + s.title +
+                "</title><pubDate>" + s.date + "</pubDate>" +
+                (s.link.empty() ? "" : "<link>" + s.link + "</link>") +
+                (s.body.empty() ? "" : "<description>" + s.body + "</description>") + "</item>";
+    }
+    return feed + "</channel></rss>";
+}
+
 // The channels "News" (id 1, its cached feed holds the given stories) and "Failed" (id 2, its
 // last update failed although a cached feed is there), in that order.
 class NewsFixture : public UiFixture {
@@ -42,23 +48,13 @@ protected:
             failed.SetErrorText(WString(u"Failed to parse the channel@1/5/24 9:30 AM"), false);
             store.RecomputeNextId();
         });
-        std::string feed = "<rss version=\"2.0\"><channel><title>News</title>";
-        for (const TestStory& s : stories) {
-            feed += (s.read ? "<item qf_wasRead=\"yes\"><title>" : "<item><title>") + s.title +
-                    "</title><pubDate>" + s.date + "</pubDate>" +
-                    (s.link.empty() ? "" : "<link>" + s.link + "</link>") +
-                    (s.body.empty() ? "" : "<description>" + s.body + "</description>") + "</item>";
-        }
-        qf::test::WriteFileBytes(CachedFeed(1), feed + "</channel></rss>");
-        qf::test::WriteFileBytes(CachedFeed(2), feed + "</channel></rss>");
+        qf::test::WriteFileBytes(CachedFeed(1), FeedOf(stories));
+        qf::test::WriteFileBytes(CachedFeed(2), FeedOf(stories));
         StartApp();
-    }
-    std::filesystem::path CachedFeed(int32_t id) const {
-        return DataFolder() / ToFsPath(FeedFileName(id));
     }
     void OpenChannel(int row) {
         channelsScreen()->SelectRow(channelsScreen()->model()->ChannelAt(row));
-        app().OnCommand(kCtlNone, kCmdShowChannel);
+        Command(kCmdShowChannel);
         ASSERT_EQ(ShownScreen(), kChannelScreen);
     }
     // Clicks the news list's row and waits for the story screen.

@@ -11,6 +11,8 @@
 namespace qf::ui {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 // The built programs, run as a user runs them, in a home of their own.
 class ProgramTest : public ::testing::Test {
 protected:
@@ -36,42 +38,36 @@ protected:
 
 TEST_F(ProgramTest, SecondStartLeavesOneProgramThatHoldsTheData) {
     QProcess first;
-    first.start(QStringLiteral(QF_GUI_PATH), {});
+    first.start(QF_GUI_PATH ""_L1, {});
     ASSERT_TRUE(first.waitForStarted());
     ASSERT_TRUE(QTest::qWaitFor(InstanceAnswers, 20000));
 
-    EXPECT_EQ(Run(QStringLiteral(QF_GUI_PATH), {}), 0);
+    EXPECT_EQ(Run(QF_GUI_PATH ""_L1, {}), 0);
     EXPECT_EQ(first.state(), QProcess::Running);
     // The running program keeps the data locked against a second writer.
-    EXPECT_EQ(Run(QStringLiteral(QF_CLI_PATH),
-                  {QStringLiteral("add"), QStringLiteral("http://127.0.0.1:9/feed")}),
-              1);
+    EXPECT_EQ(Run(QF_CLI_PATH ""_L1, {u"add"_s, u"http://127.0.0.1:9/feed"_s}), 1);
 
     first.terminate();
     ASSERT_TRUE(first.waitForFinished(20000));
-    EXPECT_EQ(Run(QStringLiteral(QF_CLI_PATH),
-                  {QStringLiteral("add"), QStringLiteral("http://127.0.0.1:9/feed")}),
-              0);
+    EXPECT_EQ(Run(QF_CLI_PATH ""_L1, {u"add"_s, u"http://127.0.0.1:9/feed"_s}), 0);
 }
 
 TEST_F(ProgramTest, InstallPutsProgramsAndDesktopFilesWhereFreedesktopLooks) {
     const auto prefix = dir_ / "prefix";
-    ASSERT_EQ(Run(QStringLiteral("cmake"),
-                  {QStringLiteral("--install"), QStringLiteral(QF_BUILD_DIR),
-                   QStringLiteral("--prefix"), QString::fromStdString(prefix.string())}),
-              0);
+    const auto path = [&prefix](const char* file) {
+        return QString::fromStdString((prefix / file).string());
+    };
+    ASSERT_EQ(Run(u"cmake"_s, {u"--install"_s, QF_BUILD_DIR ""_L1, u"--prefix"_s, path("")}), 0);
     for (const char* file : {"bin/quillfeed", "bin/quillfeed-cli", "share/quillfeed/Quillfeed.htm",
                              "share/icons/hicolor/scalable/apps/com.orvelcraft.Quillfeed.svg"}) {
         EXPECT_TRUE(std::filesystem::exists(prefix / file)) << file;
     }
-    const auto desktop = prefix / "share/applications/com.orvelcraft.Quillfeed.desktop";
-    const auto metainfo = prefix / "share/metainfo/com.orvelcraft.Quillfeed.metainfo.xml";
+    EXPECT_EQ(Run(u"desktop-file-validate"_s,
+                  {path("share/applications/com.orvelcraft.Quillfeed.desktop")}),
+              0);
     EXPECT_EQ(
-        Run(QStringLiteral("desktop-file-validate"), {QString::fromStdString(desktop.string())}),
-        0);
-    EXPECT_EQ(
-        Run(QStringLiteral("appstreamcli"), {QStringLiteral("validate"), QStringLiteral("--no-net"),
-                                             QString::fromStdString(metainfo.string())}),
+        Run(u"appstreamcli"_s, {u"validate"_s, u"--no-net"_s,
+                                path("share/metainfo/com.orvelcraft.Quillfeed.metainfo.xml")}),
         0);
     EXPECT_NE(qf::test::ReadFileBytes(prefix / "share/quillfeed/Quillfeed.htm")
                   .find("id=\"Main_Contents\""),

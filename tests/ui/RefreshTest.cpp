@@ -1,66 +1,46 @@
 #include "NewsFixture.h"
-#include "UiFixture.h"
 #include "net/RefreshEngine.h"
 #include "support/TestServer.h"
-#include "ui/ChannelListModel.h"
-#include "ui/ChannelScreen.h"
-#include "ui/ChannelsScreen.h"
 #include "ui/ProgressBar.h"
-#include "ui/StoryScreen.h"
 
-#include <QMenu>
 #include <QToolButton>
 #include <chrono>
 
 namespace qf::ui::test {
 namespace {
 
-std::string Feed(const std::string& title, int items) {
-    std::string feed = "<rss version=\"2.0\"><channel><title>" + title + "</title>";
-    for (int i = 0; i < items; ++i) {
-        const std::string n = std::to_string(i);
-        feed += "<item><title>Story " + n + "</title><link>http://127.0.0.1/" + title + "/" + n +
-                "</link><description>Body</description></item>";
-    }
-    return feed + "</channel></rss>";
-}
-
 class RefreshTest : public UiFixture {
 protected:
     // Channels "Good" (3 stories), "Missing" (404) and "Endless" (a body that never ends), in
     // that order on the channels screen.
-    void StartWithServer() {
-        server_.addRoute({"/good", 200, Feed("Good", 3)});
+    RefreshTest() {
+        std::vector<TestStory> good;
+        for (const std::string n : {"0", "1", "2"}) {
+            good.push_back({"Story " + n, "", false, "http://127.0.0.1/Good/" + n});
+        }
+        server_.addRoute({"/good", 200, FeedOf(good)});
         server_.addRoute({"/missing", 404, "gone"});
         server_.addRoute({"/endless", 200, "<rss>", {}, qf::test::Route::Body::Endless});
-        const std::u16string good = server_.url("/good");
-        const std::u16string missing = server_.url("/missing");
-        const std::u16string endless = server_.url("/endless");
-        WriteStore([&](ChannelStore& store) {
+        WriteStore([this](ChannelStore& store) {
             Category& category = store.DefaultCategory();
-            AddTestChannel(category, u"Good", 0, 0, good);
-            AddTestChannel(category, u"Missing", 0, 0, missing);
-            AddTestChannel(category, u"Endless", 0, 0, endless);
+            AddTestChannel(category, u"Good", 0, 0, server_.url("/good"));
+            AddTestChannel(category, u"Missing", 0, 0, server_.url("/missing"));
+            AddTestChannel(category, u"Endless", 0, 0, server_.url("/endless"));
         });
         StartApp();
     }
-    Channel& Row(int row) { return *channelsScreen()->model()->ChannelAt(row); }
     int Icon(int row) {
         const ChannelListModel& model = *channelsScreen()->model();
         return model.data(model.index(row), ChannelListModel::kIconRole).toInt();
-    }
-    void RunFromMenu() {
-        OpenMenu();
-        ASSERT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Refresh All Channels"));
-        MenuEntry(kCmdRefreshAll)->trigger();
     }
 
     qf::test::TestServer server_;
 };
 
 TEST_F(RefreshTest, RefreshAllFromTheMenuUpdatesRowsUntilTheStopButtonEndsIt) {
-    StartWithServer();
-    RunFromMenu();
+    OpenMenu();
+    ASSERT_EQ(MenuEntry(kCmdRefreshAll)->text(), "Refresh All Channels");
+    MenuEntry(kCmdRefreshAll)->trigger();
     ASSERT_TRUE(channelsScreen()->progressShown());
     ASSERT_TRUE(WaitFor([this] { return Icon(2) == kChannelUpdating; }));
     EXPECT_EQ(Icon(0), kChannelIdle);
@@ -70,87 +50,72 @@ TEST_F(RefreshTest, RefreshAllFromTheMenuUpdatesRowsUntilTheStopButtonEndsIt) {
     EXPECT_TRUE(
         Row(1).errorText().view().starts_with(u"Failed to download the channel; Error code: 404@"));
     OpenMenu();
-    EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Stop Refresh"));
+    EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), "Stop Refresh");
 
     channelsScreen()->progress()->stopButton()->click();
+    EXPECT_TRUE(app().store().refresh().stopRequested());
     EXPECT_TRUE(app().store().refresh().abortRequested());
     ASSERT_TRUE(WaitFor([this] { return !app().store().refresh().busy(); }));
     ASSERT_TRUE(WaitFor([this] { return Icon(2) != kChannelUpdating; }));
     EXPECT_TRUE(WaitFor([this] { return !channelsScreen()->progressShown(); }));
     OpenMenu();
-    EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), QStringLiteral("Refresh All Channels"));
+    EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), "Refresh All Channels");
 }
 
-TEST_F(RefreshTest, DownloadChannelUpdatesOnlyTheSelectedRow) {
-    StartWithServer();
+TEST_F(RefreshTest, DownloadChannelUpdatesOnlyTheSelectedRowAndMarkAllIsSaved) {
     channelsScreen()->SelectRow(&Row(0));
-    app().OnCommand(kCtlNone, kCmdDownloadChannel);
+    Command(kCmdDownloadChannel);
     ASSERT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3 && Icon(0) == kChannelIdle; }));
     EXPECT_TRUE(WaitFor([this] { return !channelsScreen()->progressShown(); }));
     EXPECT_EQ(server_.hits("/missing"), 0);
     EXPECT_FALSE(app().store().refresh().busy());
+    Command(kCmdMarkAllRead);
+    EXPECT_EQ(Row(0).newItemCount(), 0);
+    QuitApp();
+    EXPECT_NE(qf::test::ReadFileBytes(CachedFeed(Row(0).id())).find("qf_wasRead=\"yes\""),
+              std::string::npos);
 }
 
-TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItFirst) {
-    StartWithServer();
+TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItAndAFailedRefreshEndsLikeADoneOne) {
     channelsScreen()->SelectRow(&Row(0));
-    app().OnCommand(kCtlNone, kCmdShowChannel);
+    Command(kCmdShowChannel);
     EXPECT_EQ(ShownScreen(), kChannelsScreen);
     ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kChannelScreen; }));
     EXPECT_EQ(channelScreen()->channel(), &Row(0));
     EXPECT_EQ(Row(0).items().size(), 3u);
     EXPECT_EQ(server_.hits("/good"), 1);
-}
 
-TEST_F(RefreshTest, FailedRefreshChannelEndsLikeADoneOne) {
-    StartWithServer();
-    channelScreen()->ShowChannel(&Row(1));
-    app().SetScreen(kChannelScreen);
-    app().OnCommand(kCtlNone, kCmdRefreshChannel);
-    ASSERT_TRUE(WaitFor([this] { return Icon(1) == kChannelFailed; }));
+    Row(0).SetXmlUrl(WString(server_.url("/missing")));
+    Command(kCmdRefreshChannel);
+    ASSERT_TRUE(WaitFor([this] { return Icon(0) == kChannelFailed; }));
     EXPECT_FALSE(channelScreen()->progress()->isVisibleTo(channelScreen()));
     EXPECT_FALSE(app().store().refresh().busy());
     EXPECT_FALSE(app().store().refresh().stopRequested());
     OpenMenu();
-    EXPECT_EQ(MenuEntry(kCmdRefreshChannel)->text(), QStringLiteral("Refresh Channel"));
+    EXPECT_EQ(MenuEntry(kCmdRefreshChannel)->text(), "Refresh Channel");
     // Nothing is left in the way of the automatic update.
     app().store().SetAutoUpdate(1);
     FireAutoUpdate();
     EXPECT_TRUE(app().store().refresh().busy());
-    EXPECT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3; }));
+    EXPECT_TRUE(WaitFor([this] { return server_.hits("/endless") == 1; }));
     channelsScreen()->progress()->stopButton()->click();
     EXPECT_TRUE(WaitFor([this] { return !app().store().refresh().busy(); }));
-}
-
-TEST_F(RefreshTest, MarkAllFollowsTheCachedStoriesAndSurvivesTheSave) {
-    StartWithServer();
-    channelsScreen()->SelectRow(&Row(0));
-    app().OnCommand(kCtlNone, kCmdDownloadChannel);
-    ASSERT_TRUE(WaitFor([this] { return Row(0).itemCount() == 3 && Icon(0) == kChannelIdle; }));
-    app().OnCommand(kCtlNone, kCmdMarkAllRead);
-    EXPECT_EQ(Row(0).newItemCount(), 0);
-    QuitApp();
-    const std::string cached =
-        qf::test::ReadFileBytes(DataFolder() / ("Channel" + std::to_string(Row(0).id()) + ".xml"));
-    EXPECT_NE(cached.find("qf_wasRead=\"yes\""), std::string::npos);
 }
 
 // The News channel of the reading tests, now refreshed from a server that has one story more.
 class RefreshUnderReaderTest : public NewsFixture {
 protected:
-    void StartServingNewerFeed() {
+    RefreshUnderReaderTest() {
         StartWithStories();
-        std::string feed = "<rss version=\"2.0\"><channel><title>News</title><item><title>Echo"
-                           "</title><link>http://127.0.0.1/e</link><pubDate>Fri, 05 Jan 2024 "
-                           "10:00:00 GMT</pubDate></item>";
+        std::vector<TestStory> newer{
+            {"Echo", "Fri, 05 Jan 2024 10:00:00 GMT", false, "http://127.0.0.1/e", ""}};
         for (const TestStory& story : kFourStories) {
-            feed += "<item><title>" + story.title + "</title><link>" + story.link +
-                    "</link><pubDate>" + story.date + "</pubDate></item>";
+            newer.push_back({story.title, story.date, false, story.link, ""});
         }
-        server_.addRoute({"/news", 200, feed + "</channel></rss>"});
+        server_.addRoute({"/news", 200, FeedOf(newer)});
         News().SetXmlUrl(WString(server_.url("/news")));
     }
-    Channel& News() { return *channelsScreen()->model()->ChannelAt(0); }
+    Channel& News() { return Row(0); }
     bool Live(const NewsItem* item) {
         return std::ranges::any_of(News().items(),
                                    [item](const auto& live) { return live.get() == item; });
@@ -161,7 +126,6 @@ protected:
 };
 
 TEST_F(RefreshUnderReaderTest, OpenScreensMoveToTheNewStoriesWhenARefreshLands) {
-    StartServingNewerFeed();
     OpenChannel(0);
     OpenStory(2);
     ASSERT_EQ(ShownTitle(), QStringLiteral("Charlie"));
@@ -172,21 +136,21 @@ TEST_F(RefreshUnderReaderTest, OpenScreensMoveToTheNewStoriesWhenARefreshLands) 
         WaitFor([this] { return News().items().size() == 5 && !app().store().refresh().busy(); }));
     EXPECT_EQ(Titles(), QStringList({"Echo", "Alpha", "Bravo", "Charlie", "Delta"}));
     EXPECT_TRUE(Live(storyScreen()->item()));
-    EXPECT_EQ(ShownTitle(), QStringLiteral("Charlie"));
+    EXPECT_EQ(ShownTitle(), "Charlie");
     EXPECT_EQ(news().SelectedItem(), storyScreen()->item());
-    app().OnCommand(kCtlNone, kCmdPreviousNews);
-    app().OnCommand(kCtlNone, kCmdPreviousNews);
-    EXPECT_EQ(ShownTitle(), QStringLiteral("Alpha"));
+    Command(kCmdPreviousNews);
+    Command(kCmdPreviousNews);
+    EXPECT_EQ(ShownTitle(), "Alpha");
     EXPECT_TRUE(Live(storyScreen()->item()) && storyScreen()->item()->isRead());
     EXPECT_EQ(News().newItemCount(), 1);
 
     // A tap made before a refresh lands opens and marks the story that took the tapped one's place.
-    app().OnCommand(kCtlNone, kCmdBack);
+    Command(kCmdBack);
     const QRect echo = news().list()->visualRect(news().model()->index(0));
     QTest::mouseClick(news().list()->viewport(), Qt::LeftButton, {}, echo.center());
     ASSERT_TRUE(app().engine().UpdateChannel(News(), 0));
     ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kStoryScreen; }));
-    EXPECT_EQ(ShownTitle(), QStringLiteral("Echo"));
+    EXPECT_EQ(ShownTitle(), "Echo");
     EXPECT_TRUE(Live(storyScreen()->item()));
     EXPECT_EQ(News().newItemCount(), 0);
     EXPECT_EQ(UnreadOnChannelsScreen(), 0);
@@ -197,14 +161,13 @@ TEST_F(RefreshUnderReaderTest, OpenScreensMoveToTheNewStoriesWhenARefreshLands) 
 }
 
 TEST_F(RefreshUnderReaderTest, QuittingDuringARefreshEndsAtOnceAndKeepsWhatWasRead) {
-    StartServingNewerFeed();
     server_.addRoute({.path = "/silent", .mode = qf::test::Route::Body::Silent});
     News().SetXmlUrl(WString(server_.url("/silent")));
     OpenChannel(0);
     OpenStory(0);
-    app().OnCommand(kCtlNone, kCmdBack);
-    app().OnCommand(kCtlNone, kCmdBack);
-    app().OnCommand(kCtlNone, kCmdRefreshAll);
+    Command(kCmdBack);
+    Command(kCmdBack);
+    Command(kCmdRefreshAll);
     ASSERT_TRUE(server_.awaitHits("/silent", 1));
     const auto start = std::chrono::steady_clock::now();
     EndApp();

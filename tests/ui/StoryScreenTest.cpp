@@ -2,10 +2,7 @@
 
 #include "NewsFixture.h"
 #include "ui/HtmlView.h"
-#include "ui/MainWindow.h"
-#include "ui/SoftKeyBar.h"
 
-#include <QAction>
 #include <QTextDocument>
 
 namespace qf::ui::test {
@@ -23,16 +20,17 @@ protected:
     }
 };
 
-TEST_F(StoryScreenTest, OpeningAStoryMarksItReadOnBothScreensAndInTheCachedFeed) {
+TEST_F(StoryScreenTest, OpeningAStoryMarksItReadOnBothScreensAndPreviousAndNextFollowTheList) {
     StartWithStories();
     OpenChannel(0);
     OpenStory(2);
-    EXPECT_EQ(Shown(), QStringLiteral("Charlie"));
+    EXPECT_EQ(Shown(), "Charlie");
     EXPECT_TRUE(storyScreen()->view()->toPlainText().contains(QStringLiteral("Body")));
     EXPECT_TRUE(Read(2));
     EXPECT_EQ(UnreadOnChannelsScreen(), 1);
     // A read story opened again changes no count.
-    app().OnCommand(kCtlNone, kCmdBack);
+    Command(kCmdBack);
+    ASSERT_EQ(ShownScreen(), kChannelScreen);
     OpenStory(1);
     EXPECT_EQ(news().channel()->newItemCount(), 1);
 
@@ -42,113 +40,102 @@ TEST_F(StoryScreenTest, OpeningAStoryMarksItReadOnBothScreensAndInTheCachedFeed)
     OpenChannel(0);
     EXPECT_FALSE(Read(0));
     EXPECT_TRUE(Read(2));
-}
 
-TEST_F(StoryScreenTest, PreviousAndNextFollowTheSortedList) {
-    StartWithStories();
-    OpenChannel(0);
-    app().OnCommand(kCtlNone, kCmdSortByDate);
+    // Previous and Next follow the sorted list, and the menu loses Read Story Offline.
+    Command(kCmdSortByDate);
     OpenStory(1); // Delta, between Bravo and Alpha
-    app().OnCommand(kCtlNone, kCmdNextNews);
-    EXPECT_EQ(Shown(), QStringLiteral("Alpha"));
+    EXPECT_NE(MenuEntry(kCmdReadOffline), nullptr);
+    Command(kCmdNextNews);
+    EXPECT_EQ(Shown(), "Alpha");
     QTest::keyClick(storyScreen()->view(), Qt::Key_Right);
     ASSERT_TRUE(WaitFor([this] { return Shown() == QStringLiteral("Charlie"); }));
     EXPECT_FALSE(Enabled(kCmdNextNews));
     for (int command : {kCmdDownloadPodcast, kCmdPlayPodcast, kCmdCopyPodcast, kCmdDeletePodcast}) {
         EXPECT_FALSE(MenuEntry(command)->isEnabled()) << command;
     }
-    app().OnCommand(kCtlNone, kCmdPreviousNews);
-    EXPECT_EQ(Shown(), QStringLiteral("Alpha"));
+    EXPECT_EQ(MenuEntry(kCmdReadOffline), nullptr);
+    EXPECT_NE(MenuEntry(kCmdReadOnline), nullptr);
+    Command(kCmdPreviousNews);
+    EXPECT_EQ(Shown(), "Alpha");
     EXPECT_EQ(news().SelectedItem(), storyScreen()->item());
 }
 
 TEST_F(StoryScreenTest, NewOnlyListLosesTheOpenedStoryAndStepsFromItsPlace) {
     StartWithStories({{"One", ""}, {"Two", "", true}, {"Three", ""}, {"Four", ""}});
     OpenChannel(0);
-    app().OnCommand(kCtlNone, kCmdNewHeadlinesOnly);
+    Command(kCmdNewHeadlinesOnly);
     OpenStory(1);
-    EXPECT_EQ(Shown(), QStringLiteral("Three"));
+    EXPECT_EQ(Shown(), "Three");
     EXPECT_EQ(Titles(), QStringList({"One", "Four"}));
     // Four took Three's place: previous is the row above it, next is Four itself.
-    app().OnCommand(kCtlNone, kCmdPreviousNews);
-    EXPECT_EQ(Shown(), QStringLiteral("One"));
-    app().OnCommand(kCtlNone, kCmdNextNews);
-    EXPECT_EQ(Shown(), QStringLiteral("Four"));
+    Command(kCmdPreviousNews);
+    EXPECT_EQ(Shown(), "One");
+    Command(kCmdNextNews);
+    EXPECT_EQ(Shown(), "Four");
     EXPECT_TRUE(Titles().isEmpty());
     EXPECT_FALSE(Enabled(kCmdNextNews));
     EXPECT_FALSE(Enabled(kCmdPreviousNews));
 }
 
-TEST_F(StoryScreenTest, LinksGoToTheBrowserWithoutTheLocalPrefixWhileTheWindowIsMinimised) {
-    StartWithStories({{"Local", "", false, "qf_http://127.0.0.1/local",
-                       "&lt;a href=\"qf_http://127.0.0.1/x\"&gt;visit&lt;/a&gt;"},
-                      {"Query", "", false, "http://127.0.0.1/?page=qf_x"},
-                      {"Hostile", "", false, "file:///etc/passwd", ""}});
-    OpenChannel(0);
-    OpenStory(0);
-    app().OnCommand(kCtlNone, kCmdReadOnline);
-    EXPECT_TRUE(app().mainWindow()->isMinimized());
-    EXPECT_TRUE(app().mainWindow()->softKeys()->isHidden());
-    app().OnActivate();
-    EXPECT_FALSE(app().mainWindow()->isMinimized());
-    EXPECT_FALSE(app().mainWindow()->softKeys()->isHidden());
-
-    HtmlView* view = storyScreen()->view();
-    QTextCursor link = view->document()->find(QStringLiteral("visit"));
-    link.setPosition(link.selectionStart() + 2);
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->cursorRect(link).center());
-    app().OnActivate();
-    app().OnCommand(kCtlNone, kCmdNextNews);
-    app().OnCommand(kCtlNone, kCmdReadOnline);
-    app().OnActivate();
-    app().OnCommand(kCtlNone, kCmdNextNews);
-    app().OnCommand(kCtlNone, kCmdReadOnline);
-    // Only web and mail addresses leave the program, and nothing else minimises the window.
-    EXPECT_EQ(opened_, QList<QUrl>({QUrl(QStringLiteral("http://127.0.0.1/local")),
-                                    QUrl(QStringLiteral("http://127.0.0.1/x")),
-                                    QUrl(QStringLiteral("http://127.0.0.1/?page=qf_x"))}));
-    EXPECT_FALSE(app().mainWindow()->softKeys()->isHidden());
-    EXPECT_FALSE(app().mainWindow()->isMinimized());
-    EXPECT_TRUE(view->toPlainText().isEmpty());
-}
-
-TEST_F(StoryScreenTest, RelativeLinksLeadFromTheStorysOwnAddress) {
+// Links go to the browser without the program's own prefix, while the window is minimised; a
+// relative link leads from the story's own address.
+TEST_F(StoryScreenTest, LinksGoToTheBrowserWhileTheWindowIsMinimised) {
     const std::string links = "&lt;a href=\"more.html\"&gt;more&lt;/a&gt; "
                               "&lt;a href=\"/top\"&gt;top&lt;/a&gt; "
                               "&lt;a href=\"qf_http://127.0.0.1/x\"&gt;visit&lt;/a&gt; "
                               "&lt;a href=\"qf_here.html\"&gt;here&lt;/a&gt; "
                               "&lt;a href=\"qf_http://127.0.0.1/y\"&gt;other&lt;/a&gt;";
     StartWithStories({{"Web", "", false, "http://127.0.0.1:8080/news/story.html", links},
-                      {"Nowhere", "", false, "", links}});
+                      {"Nowhere", "", false, "", links},
+                      {"Local", "", false, "qf_http://127.0.0.1/local"},
+                      {"Query", "", false, "http://127.0.0.1/?page=qf_x"},
+                      {"Hostile", "", false, "file:///etc/passwd", ""}});
     OpenChannel(0);
     OpenStory(0);
     HtmlView* view = storyScreen()->view();
-    const auto click = [&](const QString& text) {
-        QTextCursor link = view->document()->find(text);
+    const auto click = [&](const char* text) {
+        QTextCursor link = view->document()->find(QString::fromLatin1(text));
         link.setPosition(link.selectionStart() + 1);
         QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->cursorRect(link).center());
         app().OnActivate();
     };
     // The program's own links are never resolved, however they are written.
     for (const char* text : {"more", "top", "visit", "here"}) {
-        click(QString::fromLatin1(text));
+        click(text);
     }
     // From the keyboard it is the link at the cursor, not the one clicked last.
     view->setTextCursor(view->document()->find(QStringLiteral("other")));
     QTest::keyClick(view, Qt::Key_Return);
     app().OnActivate();
-    EXPECT_EQ(opened_, QList<QUrl>({QUrl(QStringLiteral("http://127.0.0.1:8080/news/more.html")),
-                                    QUrl(QStringLiteral("http://127.0.0.1:8080/top")),
-                                    QUrl(QStringLiteral("http://127.0.0.1/x")),
-                                    QUrl(QStringLiteral("http://127.0.0.1/y"))}));
+    EXPECT_EQ(QUrl::toStringList(opened_),
+              QStringList({"http://127.0.0.1:8080/news/more.html", "http://127.0.0.1:8080/top",
+                           "http://127.0.0.1/x", "http://127.0.0.1/y"}));
+    opened_.clear();
+    Command(kCmdNextNews);
+    ASSERT_EQ(Shown(), "Nowhere");
+    click("more");
+    click("visit");
+    EXPECT_EQ(QUrl::toStringList(opened_), QStringList{"http://127.0.0.1/x"});
 
     opened_.clear();
-    app().OnCommand(kCtlNone, kCmdNextNews);
-    ASSERT_EQ(Shown(), QStringLiteral("Nowhere"));
-    for (const char* text : {"more", "visit"}) {
-        click(QString::fromLatin1(text));
-    }
-    EXPECT_EQ(opened_, QList<QUrl>({QUrl(QStringLiteral("http://127.0.0.1/x"))}));
+    Command(kCmdNextNews);
+    Command(kCmdReadOnline);
+    EXPECT_TRUE(app().mainWindow()->isMinimized());
+    EXPECT_TRUE(app().mainWindow()->softKeys()->isHidden());
+    app().OnActivate();
+    EXPECT_FALSE(app().mainWindow()->isMinimized());
+    EXPECT_FALSE(app().mainWindow()->softKeys()->isHidden());
+    Command(kCmdNextNews);
+    Command(kCmdReadOnline);
+    app().OnActivate();
+    Command(kCmdNextNews);
+    Command(kCmdReadOnline);
+    // Only web and mail addresses leave the program, and nothing else minimises the window.
+    EXPECT_EQ(QUrl::toStringList(opened_),
+              QStringList({"http://127.0.0.1/local", "http://127.0.0.1/?page=qf_x"}));
+    EXPECT_FALSE(app().mainWindow()->softKeys()->isHidden());
+    EXPECT_FALSE(app().mainWindow()->isMinimized());
+    EXPECT_TRUE(view->toPlainText().isEmpty());
 }
 
 } // namespace

@@ -1,39 +1,20 @@
 #include "UiFixture.h"
 
+#include "model/CachedFileNames.h"
 #include "platform/Files.h"
 #include "platform/FsPath.h"
 #include "store/ChannelStoreFile.h"
 #include "ui/AddChannelWizard.h"
-#include "ui/ChannelScreen.h"
-#include "ui/ChannelsScreen.h"
-#include "ui/MainWindow.h"
-#include "ui/SoftKeyBar.h"
-#include "ui/StoryScreen.h"
-#include "ui/WelcomeScreen.h"
 
 #include <QCoreApplication>
 #include <QDialog>
-#include <QMenu>
-#include <QTest>
 #include <QTimer>
 
 namespace qf::ui::test {
 
-UiFixture::UiFixture() {
-    std::filesystem::create_directories(dir_ / "cards");
-    config_.emplace("XDG_CONFIG_HOME", (dir_ / "config").string());
-    home_.emplace("QUILLFEED_HOME", (dir_ / "home").string());
-    cards_.emplace("QUILLFEED_CARDS", (dir_ / "cards").string());
-    platform_.emplace("QUILLFEED_PLATFORM", std::nullopt);
-}
-
 UiFixture::~UiFixture() {
     app_.reset();
     QCoreApplication::processEvents();
-}
-
-std::filesystem::path UiFixture::DataFolder() const {
-    return dir_ / "home" / "QFChannelsData";
 }
 
 void UiFixture::WriteStore(const std::function<void(ChannelStore&)>& fill) {
@@ -41,6 +22,10 @@ void UiFixture::WriteStore(const std::function<void(ChannelStore&)>& fill) {
     fill(store);
     std::filesystem::create_directories(DataFolder());
     ASSERT_TRUE(SaveStore(store, FromFsPath(DataFolder() / "QFChannels.opml")));
+}
+
+std::filesystem::path UiFixture::CachedFeed(int32_t id) const {
+    return DataFolder() / ToFsPath(FeedFileName(id));
 }
 
 std::string UiFixture::StoreFileText() const {
@@ -61,8 +46,9 @@ App& UiFixture::StartApp(DeviceFamily family) {
     };
     dialogs.run = [this](QDialog& dialog) {
         if (auto* wizard = dynamic_cast<AddChannelWizard*>(&dialog); wizard != nullptr && wizard_) {
-            return wizard_(*wizard) ? static_cast<int>(QDialog::Accepted)
-                                    : static_cast<int>(QDialog::Rejected);
+            wizard->show();
+            wizard_(*wizard);
+            return wizard->result();
         }
         return onDialog_ ? onDialog_(dialog) : static_cast<int>(QDialog::Rejected);
     };
@@ -77,13 +63,8 @@ void UiFixture::QuitApp() {
     app_->Finish();
 }
 
-void UiFixture::EndApp() {
-    QuitApp();
-    app_.reset();
-}
-
 QMenu* UiFixture::OpenMenu(const QString& submenu) {
-    QMenu* menu = app_->mainWindow()->softKeys()->menu();
+    QMenu* menu = softKeyMenu();
     emit menu->aboutToShow();
     if (submenu.isEmpty()) {
         return menu;
@@ -98,45 +79,24 @@ QMenu* UiFixture::OpenMenu(const QString& submenu) {
     return menu;
 }
 
-QAction* UiFixture::MenuEntry(int command) {
-    return FindCommand(app_->mainWindow()->softKeys()->menu(), command);
-}
-
-WelcomeScreen* UiFixture::welcomeScreen() const {
-    return app_->mainWindow()->findChild<WelcomeScreen*>();
-}
-
-ChannelsScreen* UiFixture::channelsScreen() const {
-    return app_->mainWindow()->findChild<ChannelsScreen*>();
-}
-
-ChannelScreen* UiFixture::channelScreen() const {
-    return app_->mainWindow()->findChild<ChannelScreen*>();
-}
-
-StoryScreen* UiFixture::storyScreen() const {
-    return app_->mainWindow()->findChild<StoryScreen*>();
+QStringList UiFixture::Checked(const QMenu* menu) {
+    QStringList checked;
+    for (const QAction* action : menu->actions()) {
+        if (action->isChecked()) {
+            checked << action->text();
+        }
+    }
+    return checked;
 }
 
 Screen UiFixture::ShownScreen() const {
     const QWidget* shown = app_->mainWindow()->currentScreen();
-    if (shown == nullptr) {
-        return kNoScreen;
-    }
-    for (const auto& [screen, widget] :
-         {std::pair<Screen, QWidget*>{kWelcomeScreen, welcomeScreen()},
-          {kChannelsScreen, channelsScreen()},
-          {kChannelScreen, channelScreen()},
-          {kStoryScreen, storyScreen()}}) {
-        if (shown == widget) {
-            return screen;
-        }
-    }
-    return kNoScreen;
-}
-
-QMenu* UiFixture::ContextMenu() const {
-    return app_->mainWindow()->findChild<QMenu*>(QStringLiteral("ChannelContextMenu"));
+    return shown == nullptr            ? kNoScreen
+           : shown == welcomeScreen()  ? kWelcomeScreen
+           : shown == channelsScreen() ? kChannelsScreen
+           : shown == channelScreen()  ? kChannelScreen
+           : shown == storyScreen()    ? kStoryScreen
+                                       : kNoScreen;
 }
 
 QTimer* UiFixture::AutoUpdateTimer() const {
@@ -146,10 +106,6 @@ QTimer* UiFixture::AutoUpdateTimer() const {
 void UiFixture::FireAutoUpdate() {
     ASSERT_NE(AutoUpdateTimer(), nullptr);
     QMetaObject::invokeMethod(AutoUpdateTimer(), "timeout");
-}
-
-bool UiFixture::WaitFor(const std::function<bool()>& done) {
-    return QTest::qWaitFor(done, 10000);
 }
 
 Channel& AddTestChannel(Category& category, const std::u16string& title, int32_t unread,

@@ -3,27 +3,28 @@
 #include "model/ChannelStore.h"
 #include "support/TestEnv.h"
 #include "ui/App.h"
+#include "ui/ChannelListModel.h"
+#include "ui/ChannelScreen.h"
+#include "ui/ChannelsScreen.h"
+#include "ui/MainWindow.h"
+#include "ui/SoftKeyBar.h"
+#include "ui/StoryScreen.h"
+#include "ui/WelcomeScreen.h"
 
+#include <QMenu>
 #include <QStringList>
+#include <QTest>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
 
-class QAction;
 class QDialog;
-class QMenu;
-
 class QTimer;
 
 namespace qf::ui {
 class AddChannelWizard;
-class ChannelScreen;
-class ChannelsScreen;
-class StoryScreen;
-class WelcomeScreen;
 } // namespace qf::ui
 
 namespace qf::ui::test {
@@ -32,47 +33,61 @@ namespace qf::ui::test {
 // the frame started over them with dialogs that answer instead of a person.
 class UiFixture : public ::testing::Test {
 protected:
-    UiFixture();
+    UiFixture() { std::filesystem::create_directories(dir_ / "cards"); }
     ~UiFixture() override;
 
     // Writes the store file that the frame will load, after `fill` has filled the store.
     void WriteStore(const std::function<void(ChannelStore&)>& fill);
+    std::filesystem::path DataFolder() const { return dir_ / "home" / "QFChannelsData"; }
     // The store file as the frame left it; empty when there is none.
     std::string StoreFileText() const;
-    std::filesystem::path DataFolder() const;
+    // Where the channel with `id` keeps its last download.
+    std::filesystem::path CachedFeed(int32_t id) const;
 
     App& StartApp(DeviceFamily family = {});
     App& app() { return *app_; }
+    bool Command(int command) { return app_->OnCommand(kCtlNone, command); }
     // Closes the main window and runs the end of the run, as quitting does.
     void QuitApp();
     // Quits, then lets the frame go as the program does when it exits.
-    void EndApp();
+    void EndApp() {
+        QuitApp();
+        app_.reset();
+    }
 
     // Opens the soft key's menu as the user would (its state and checks are brought up to date),
     // and the submenu with `caption` in it when one is named.
     QMenu* OpenMenu(const QString& submenu = {});
-    QAction* MenuEntry(int command);
+    QAction* MenuEntry(int command) { return FindCommand(softKeyMenu(), command); }
+    static QStringList Checked(const QMenu* menu);
 
     // The main window's widgets, found as a user's tools would find them.
-    WelcomeScreen* welcomeScreen() const;
-    ChannelsScreen* channelsScreen() const;
-    ChannelScreen* channelScreen() const;
-    StoryScreen* storyScreen() const;
+    template <class Widget> Widget* Find(const QString& name = {}) const {
+        return app_->mainWindow()->findChild<Widget*>(name);
+    }
+    QMenu* softKeyMenu() const { return app_->mainWindow()->softKeys()->menu(); }
+    WelcomeScreen* welcomeScreen() const { return Find<WelcomeScreen>(); }
+    ChannelsScreen* channelsScreen() const { return Find<ChannelsScreen>(); }
+    ChannelScreen* channelScreen() const { return Find<ChannelScreen>(); }
+    StoryScreen* storyScreen() const { return Find<StoryScreen>(); }
+    QMenu* ContextMenu() const { return Find<QMenu>(QStringLiteral("ChannelContextMenu")); }
+    // The channels screen's rows.
+    int Rows() const { return channelsScreen()->model()->rowCount(); }
+    Channel& Row(int row) const { return *channelsScreen()->model()->ChannelAt(row); }
     // Which screen the main window shows.
     Screen ShownScreen() const;
-    QMenu* ContextMenu() const;
     // The automatic update's timer; nullptr when there is none.
     QTimer* AutoUpdateTimer() const;
     // What the timer does when its period is up.
     void FireAutoUpdate();
     // Runs queued events until `done` holds or a few seconds pass.
-    static bool WaitFor(const std::function<bool()>& done);
+    static bool WaitFor(const std::function<bool()>& done) { return QTest::qWaitFor(done, 10000); }
 
     qf::test::TempDir dir_;
-    std::optional<qf::test::EnvVar> config_;
-    std::optional<qf::test::EnvVar> home_;
-    std::optional<qf::test::EnvVar> cards_;
-    std::optional<qf::test::EnvVar> platform_;
+    qf::test::EnvVar config_{"XDG_CONFIG_HOME", (dir_ / "config").string()};
+    qf::test::EnvVar home_{"QUILLFEED_HOME", (dir_ / "home").string()};
+    qf::test::EnvVar cards_{"QUILLFEED_CARDS", (dir_ / "cards").string()};
+    qf::test::EnvVar platform_{"QUILLFEED_PLATFORM", std::nullopt};
     // What the dialogs were shown, and how the next question is answered.
     QStringList told_;
     QStringList asked_;
@@ -80,8 +95,8 @@ protected:
     QList<QUrl> opened_;
     // Plays the user's part in the program's own dialogs; without it they are cancelled.
     std::function<int(QDialog&)> onDialog_;
-    // The same for the add-channel wizard: true for Finish.
-    std::function<bool(AddChannelWizard&)> wizard_;
+    // The same for the add-channel wizard, which is shown first; Finish accepts it.
+    std::function<void(AddChannelWizard&)> wizard_;
 
 private:
     std::unique_ptr<App> app_;
