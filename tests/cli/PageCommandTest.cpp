@@ -26,7 +26,7 @@ protected:
     std::filesystem::path feed = dir / "feed.xml";
 };
 
-TEST_F(PageCommandTest, StoryPageCarriesTheBodyAsGivenAndEndsWithOneNewline) {
+TEST_F(PageCommandTest, StoryAndBannerPagesAndTheirMalformedRequests) {
     const auto page = Page({"--story", "0"});
     EXPECT_EQ(page.exitCode, 0);
     EXPECT_THAT(page.out, HasSubstr("charset=windows-1251"));
@@ -36,12 +36,10 @@ TEST_F(PageCommandTest, StoryPageCarriesTheBodyAsGivenAndEndsWithOneNewline) {
     // A story without text, or outside the feed, has no page.
     EXPECT_EQ(Page({"--story", "1"}).exitCode, 1);
     EXPECT_EQ(Page({"--story", "2"}).exitCode, 1);
-}
 
-TEST_F(PageCommandTest, BannerPageTakesItsSizeAndRefusesAMalformedOne) {
-    const auto page = Page({"--banner", "240x40"});
-    EXPECT_EQ(page.exitCode, 0);
-    EXPECT_THAT(page.out, HasSubstr("<td height=\"36\"><b><font color=\"#6898C8\">News</font>"));
+    const auto banner = Page({"--banner", "240x40"});
+    EXPECT_EQ(banner.exitCode, 0);
+    EXPECT_THAT(banner.out, HasSubstr("<td height=\"36\"><b><font color=\"#6898C8\">News</font>"));
     EXPECT_EQ(Page({"--banner", "240"}).exitCode, 2);
     EXPECT_EQ(Page({"--smartphone", "--story", "0"}).exitCode, 2);
     EXPECT_EQ(Page({}).exitCode, 2);

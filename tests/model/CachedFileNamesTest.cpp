@@ -7,7 +7,7 @@
 namespace qf {
 namespace {
 
-TEST(CachedFileNames, ImageExtensionIgnoresQueryAndRejectsPathsAndLongTexts) {
+TEST(CachedFileNames, ImageExtensionRejectsPathsAndOnlyNamesGivenToCachedFilesHaveAnId) {
     EXPECT_EQ(ImageExtension(u"a/logo.gif?x=1.2"), u"gif");
     EXPECT_EQ(ImageExtension(u"a/logo"), u"");
     EXPECT_EQ(ImageExtension(u"a/x.jpeg5"), u"");
@@ -15,9 +15,7 @@ TEST(CachedFileNames, ImageExtensionIgnoresQueryAndRejectsPathsAndLongTexts) {
     EXPECT_EQ(ImageExtension(u"a/x.jpeg"), u"jpeg");
     EXPECT_EQ(ImageExtension(u"a/logo."), u"");
     EXPECT_EQ(ImageExtension(u"a/logo.png?v=2?w=3"), u"");
-}
 
-TEST(CachedFileNames, OnlyNamesGivenToACachedFileBelongToAChannel) {
     EXPECT_EQ(ChannelIdOfCachedFile(u"Channel12.xml"), 12);
     EXPECT_EQ(ChannelIdOfCachedFile(u"Image3.gif"), 3);
     EXPECT_EQ(ChannelIdOfCachedFile(u"Image3"), 3);

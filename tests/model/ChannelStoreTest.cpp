@@ -22,29 +22,24 @@ Category& AddCategory(ChannelStore& store, std::u16string_view name) {
     return *store.AddCategory(std::make_unique<Category>(WString(name)));
 }
 
-TEST(ChannelStore, DefaultCategoryIsFoundIgnoringCaseOrAppended) {
-    ChannelStore store;
-    AddCategory(store, u"News");
-    Category& created = store.DefaultCategory();
-    EXPECT_EQ(created.name(), LoadString(kStrDefaultCategory));
-    EXPECT_EQ(store.categories().size(), 2u);
-
+// The default category is appended when there is none, and found ignoring case.
+TEST(ChannelStore, AddChannelGoesToTheDefaultCategoryAndTakesTheStoreInterval) {
     ChannelStore other;
-    Category& existing = AddCategory(other, u"DEFAULT");
-    EXPECT_EQ(&other.DefaultCategory(), &existing);
-    EXPECT_EQ(other.categories().size(), 1u);
-}
+    AddCategory(other, u"News");
+    Category& created = other.DefaultCategory();
+    EXPECT_EQ(other.categories().at(1).get(), &created);
+    created.SetName(WString(u"DEFAULT"));
+    EXPECT_EQ(&other.DefaultCategory(), &created);
+    EXPECT_EQ(other.categories().size(), 2u);
 
-TEST(ChannelStore, AddChannelWithoutCategoriesCreatesDefaultAndTakesStoreInterval) {
     ChannelStore store;
     store.SetNextId(7);
     store.SetUpdateValue(30);
     store.SetUpdateUnit(kUnitMinutes);
-
     Channel* channel = store.AddChannel(WString(u"http://feeds.example/rss"), WString(u"Example"));
     ASSERT_NE(channel, nullptr);
     ASSERT_EQ(store.categories().size(), 1u);
-    EXPECT_EQ(store.categories()[0]->name(), u"Default");
+    EXPECT_EQ(store.categories()[0]->name(), LoadString(kStrDefaultCategory));
     EXPECT_EQ(store.categories()[0]->ChannelAt(0), channel);
     EXPECT_EQ(channel->id(), 7);
     EXPECT_EQ(store.nextId(), 8);

@@ -16,53 +16,23 @@ std::unique_ptr<NewsItem> MakeItem(std::u16string_view link, bool read) {
     return item;
 }
 
-TEST(Channel, CountSettersIgnoreValuesTheyGuardAgainst) {
+// Only a recount may bring the item count down to 0; counting an empty list keeps the old total.
+TEST(Channel, CountSettersIgnoreGuardedValuesAndCountingKeepsTheTotalOfAnEmptyList) {
     Channel channel;
     channel.SetItemCount(5);
     channel.SetItemCount(0);
     channel.SetItemCount(-3);
     EXPECT_EQ(channel.itemCount(), 5);
-
     channel.SetNewItemCount(4);
     channel.SetNewItemCount(-1);
     EXPECT_EQ(channel.newItemCount(), 4);
     channel.SetNewItemCount(0);
     EXPECT_EQ(channel.newItemCount(), 0);
-
-    // Only a recount may bring the item count down to 0.
-    EXPECT_EQ(channel.RecountItems(), 0);
-}
-
-// A channel's and a category's text stay when the source is null, a story's is cleared; an empty
-// category name becomes null.
-TEST(Channel, NullSourceKeepsChannelAndCategoryTextsButClearsAStorys) {
-    Channel channel;
-    channel.SetTitle(WString(u"Old"));
-    channel.SetTitle(WString());
-    EXPECT_EQ(channel.title(), u"Old");
-    channel.SetTitle(WString(u""));
-    EXPECT_EQ(channel.title(), u"");
-    EXPECT_FALSE(channel.title().isNull());
-
-    Category category(WString(u"News"));
-    category.SetName(WString());
-    EXPECT_EQ(category.name(), u"News");
-    category.SetName(WString(u""));
-    EXPECT_TRUE(category.name().isNull());
-
-    NewsItem item;
-    item.SetTitle(WString(u"Headline"));
-    item.SetTitle(WString());
-    EXPECT_TRUE(item.title().isNull());
-}
-
-TEST(Channel, CountItemsKeepsOldTotalForEmptyListAndCountsUnread) {
-    Channel channel;
-    channel.SetItemCount(9);
     channel.SetNewItemCount(9);
     channel.CountItems();
-    EXPECT_EQ(channel.itemCount(), 9);
+    EXPECT_EQ(channel.itemCount(), 5);
     EXPECT_EQ(channel.newItemCount(), 0);
+    EXPECT_EQ(channel.RecountItems(), 0);
 
     channel.AddItem(MakeItem(u"a", true));
     channel.AddItem(MakeItem(u"b", false));
@@ -73,6 +43,21 @@ TEST(Channel, CountItemsKeepsOldTotalForEmptyListAndCountsUnread) {
     EXPECT_EQ(channel.ItemAt(1)->link(), u"b");
     EXPECT_EQ(channel.ItemAt(3), nullptr);
     EXPECT_EQ(channel.ItemAt(-1), nullptr);
+}
+
+// A channel's text stays when the source is null (as WString::set does), a category's too, but
+// an empty category name becomes null and a story's text is cleared by a null source.
+TEST(Channel, NullSourceKeepsCategoryTextsButClearsAStorys) {
+    Category category(WString(u"News"));
+    category.SetName(WString());
+    EXPECT_EQ(category.name(), u"News");
+    category.SetName(WString(u""));
+    EXPECT_TRUE(category.name().isNull());
+
+    NewsItem item;
+    item.SetTitle(WString(u"Headline"));
+    item.SetTitle(WString());
+    EXPECT_TRUE(item.title().isNull());
 }
 
 TEST(Channel, CopyTakesIdentityAndOptionallyDuplicatesStories) {

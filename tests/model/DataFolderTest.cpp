@@ -106,7 +106,10 @@ TEST_F(DataFolderTest, MovingBetweenVolumesThatShareAFolderLosesNothing) {
     EXPECT_EQ(test::ReadFileBytes(cardData("SD") / "QFChannels.opml"), "<opml/>");
 }
 
-TEST_F(DataFolderTest, DataCannotMoveIntoAFolderInsideItself) {
+TEST_F(DataFolderTest, DataCannotMoveIntoAFolderInsideItselfNorFromOrToAVolumeThatIsGone) {
+    EXPECT_FALSE(MoveData(u"\\Gone", u"\\"));
+    EXPECT_FALSE(MoveData(u"\\", u"\\Gone"));
+    EXPECT_FALSE(fs::exists(dir / "home"));
     test::EnvVar nestedCards("QUILLFEED_CARDS", (mainData() / "cards").string());
     fs::create_directories(mainData() / "cards/SD");
     test::WriteFileBytes(mainData() / "QFChannels.opml", "<opml/>");
@@ -114,12 +117,6 @@ TEST_F(DataFolderTest, DataCannotMoveIntoAFolderInsideItself) {
     EXPECT_FALSE(MoveData(u"\\", u"\\SD"));
     EXPECT_EQ(test::ReadFileBytes(mainData() / "QFChannels.opml"), "<opml/>");
     EXPECT_FALSE(fs::exists(mainData() / "cards/SD/Quillfeed"));
-}
-
-TEST_F(DataFolderTest, MovingFromAVolumeThatIsGoneFails) {
-    EXPECT_FALSE(MoveData(u"\\Gone", u"\\"));
-    EXPECT_FALSE(MoveData(u"\\", u"\\Gone"));
-    EXPECT_FALSE(fs::exists(dir / "home"));
 }
 
 } // namespace

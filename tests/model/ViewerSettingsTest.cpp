@@ -126,19 +126,17 @@ TEST_F(ViewerSettingsTest, SavingKeepsTheWindowSectionAndUnknownOptions) {
                                                    "state=\"a,b\"\n");
 }
 
-TEST_F(ViewerSettingsTest, WithoutXdgConfigHomeTheFileLiesInDotConfig) {
-    test::EnvVar noConfig("XDG_CONFIG_HOME", std::nullopt);
-    test::EnvVar home("HOME", (dir / "user").string());
-    ASSERT_TRUE(SaveSettings(ViewerSettings()));
-    EXPECT_TRUE(std::filesystem::exists(dir / "user/.config/Orvelcraft/Quillfeed.conf"));
-}
-
-TEST_F(ViewerSettingsTest, SettingsFileThatCannotBeReadIsLeftAlone) {
+TEST_F(ViewerSettingsTest, FileThatCannotBeReadIsLeftAloneAndWithoutXdgTheFileIsInDotConfig) {
     std::filesystem::create_directories(settingsFile() / "not-a-file");
     ViewerSettings settings;
     EXPECT_FALSE(LoadSettings(settings));
     EXPECT_FALSE(SaveSettings(settings));
     EXPECT_TRUE(std::filesystem::is_directory(settingsFile() / "not-a-file"));
+
+    test::EnvVar noConfig("XDG_CONFIG_HOME", std::nullopt);
+    test::EnvVar home("HOME", (dir / "user").string());
+    ASSERT_TRUE(SaveSettings(ViewerSettings()));
+    EXPECT_TRUE(std::filesystem::exists(dir / "user/.config/Orvelcraft/Quillfeed.conf"));
 }
 
 } // namespace

@@ -5,13 +5,11 @@
 namespace qf {
 namespace {
 
-TEST(BrowserLink, LocalPrefixIsRemovedOnlyAtTheVeryStart) {
+TEST(BrowserLink, LocalPrefixGoesOnlyAtTheStartAndOnlyWebAndMailAddressesLeave) {
     EXPECT_EQ(LinkForBrowser(WString(u"qf_http://example.org/a")), u"http://example.org/a");
     EXPECT_EQ(LinkForBrowser(WString(u"http://example.org/qf_a")), u"http://example.org/qf_a");
     EXPECT_EQ(LinkForBrowser(WString(u"qf_qf_https://example.org/")), std::nullopt);
-}
 
-TEST(BrowserLink, OnlyWebAndMailAddressesLeaveTheProgram) {
     EXPECT_EQ(LinkForBrowser(WString(u"HTTPS://example.org/")), u"HTTPS://example.org/");
     EXPECT_EQ(LinkForBrowser(WString(u"mailto:editor@example.org")), u"mailto:editor@example.org");
     for (const char16_t* hostile :

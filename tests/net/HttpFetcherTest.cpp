@@ -99,15 +99,19 @@ TEST_F(HttpFetcherTest, SavesTheBodyInBlocksIntoANewFolderAndReportsEachStage) {
     }
 }
 
-TEST_F(HttpFetcherTest, RequestNamesTheProductAndAcceptsAnything) {
-    Serve("/feed.xml");
-    ASSERT_TRUE(Download(server->url("/feed.xml")));
-
-    const std::string head = server->requestHead("/feed.xml");
-    EXPECT_TRUE(head.starts_with("GET /feed.xml HTTP/1.1\r\n")) << head;
+// Only a leading and a trailing quote of the entity tag go.
+TEST_F(HttpFetcherTest, RequestNamesTheProductAndTheEntityTagLosesItsQuotes) {
+    server->addRoute({.path = "/strong", .headers = {{"ETag", "\"v1-abc\""}}});
+    server->addRoute({.path = "/weak", .headers = {{"ETag", "W/\"v2\""}}});
+    ASSERT_TRUE(Download(server->url("/strong")));
+    EXPECT_EQ(fetcher.EntityTag(), u"v1-abc");
+    const std::string head = server->requestHead("/strong");
+    EXPECT_TRUE(head.starts_with("GET /strong HTTP/1.1\r\n")) << head;
     EXPECT_NE(head.find("\r\nUser-Agent: Quillfeed/2.0.2\r\n"), std::string::npos) << head;
     EXPECT_NE(head.find("\r\nAccept: */* \r\n"), std::string::npos) << head;
     EXPECT_EQ(head.find("Authorization"), std::string::npos) << head;
+    ASSERT_TRUE(Download(server->url("/weak")));
+    EXPECT_EQ(fetcher.EntityTag(), u"W/\"v2");
 }
 
 // The session keeps its connection across redirects and downloads; a new session opens another.
@@ -135,7 +139,8 @@ TEST_F(HttpFetcherTest, TwoRedirectsAreFollowedOverOneConnectionButTheThirdFails
 }
 
 // A missing scheme means http whatever the fetcher fetched before, a quoted Location loses its
-// quotes, and a redirect to ftp or file is requested over http and saved.
+// quotes, and a redirect to ftp or file is requested over http and saved; an unknown scheme is
+// no scheme.
 TEST_F(HttpFetcherTest, OddAddressFormsStillReachTheFeedOverHttp) {
     Serve("/feed.xml");
     const std::u16string hostAndPort = u"127.0.0.1:" + AsciiToUtf16(std::to_string(server->port()));
@@ -155,28 +160,12 @@ TEST_F(HttpFetcherTest, OddAddressFormsStillReachTheFeedOverHttp) {
             EXPECT_EQ(test::ReadFileBytes(file), "<rss/>");
         }
     }
-}
-
-TEST_F(HttpFetcherTest, RedirectToUnknownSchemeBecomesAnUnresolvableHost) {
-    Redirect("/to-gopher", 302, u"gopher://127.0.0.1/feed");
-
-    EXPECT_FALSE(Download(server->url("/to-gopher")));
-
     // Without a known prefix the scheme stays http and "gopher:" is taken for the host.
+    Redirect("/to-gopher", 302, u"gopher://127.0.0.1/feed");
+    EXPECT_FALSE(Download(server->url("/to-gopher")));
     EXPECT_EQ(fetcher.Url().scheme, kSchemeHttp);
     EXPECT_EQ(fetcher.Url().host, u"gopher:");
     EXPECT_EQ(fetcher.ErrorCode(), kErrorNameNotResolved);
-}
-
-TEST_F(HttpFetcherTest, NotFoundFailsWith404AndOtherStatusesWithoutCode) {
-    EXPECT_FALSE(Download(server->url("/missing.xml")));
-    EXPECT_EQ(fetcher.ErrorCode(), 404);
-    EXPECT_FALSE(std::filesystem::exists(file));
-
-    server->addRoute({.path = "/broken.xml", .status = 500, .body = "broken"});
-    EXPECT_FALSE(Download(server->url("/broken.xml")));
-    EXPECT_EQ(fetcher.ErrorCode(), 0);
-    EXPECT_EQ(fetcher.StatusCode(), 500);
 }
 
 TEST_F(HttpFetcherTest, FileAndFtpAddressesSucceedWithoutAnyRequest) {
@@ -187,17 +176,6 @@ TEST_F(HttpFetcherTest, FileAndFtpAddressesSucceedWithoutAnyRequest) {
     }
     EXPECT_FALSE(std::filesystem::exists(file.parent_path()));
     EXPECT_EQ(server->connections(), 0);
-}
-
-TEST_F(HttpFetcherTest, EntityTagIsKeptWithoutItsQuotes) {
-    server->addRoute({.path = "/strong", .headers = {{"ETag", "\"v1-abc\""}}});
-    server->addRoute({.path = "/weak", .headers = {{"ETag", "W/\"v2\""}}});
-
-    ASSERT_TRUE(Download(server->url("/strong")));
-    EXPECT_EQ(fetcher.EntityTag(), u"v1-abc");
-    // Only a leading and a trailing quote go.
-    ASSERT_TRUE(Download(server->url("/weak")));
-    EXPECT_EQ(fetcher.EntityTag(), u"W/\"v2");
 }
 
 TEST_F(HttpFetcherTest, CredentialsAreOfferedOnlyWhenBothAreGiven) {
@@ -264,19 +242,20 @@ TEST_F(HttpFetcherTest, StopBeforeTheAnswerEndsTheRequestAtOnce) {
     EXPECT_FALSE(fetcher.StoppedBeforeAnswer());
 }
 
-TEST_F(HttpFetcherTest, LocalFileThatCannotBeCreatedStillCountsAsSuccess) {
-    Serve("/feed.xml");
-    test::WriteFileBytes(dir / "QFChannelsData", "a file where the folder should be");
-
-    EXPECT_TRUE(Download(server->url("/feed.xml")));
-    EXPECT_EQ(fetcher.ErrorCode(), 0);
-}
-
-// A download without a session fails without a code; a closed port, a silent server and a
-// failure raised while the body comes in each give their own.
-TEST_F(HttpFetcherTest, TransportFailuresGiveTheirOwnErrorCodes) {
+// 404 is the one status that is its own error code. A download without a session fails without
+// a code; a closed port, a silent server and a failure raised while the body comes in each give
+// their own.
+TEST_F(HttpFetcherTest, FailuresGiveTheirOwnErrorCodes) {
     Serve("/feed.xml", Pattern(30000));
     server->addRoute({.path = "/silent", .mode = Route::Body::Silent});
+    server->addRoute({.path = "/broken.xml", .status = 500, .body = "broken"});
+    EXPECT_FALSE(Download(server->url("/missing.xml")));
+    EXPECT_EQ(fetcher.ErrorCode(), 404);
+    EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_FALSE(Download(server->url("/broken.xml")));
+    EXPECT_EQ(fetcher.ErrorCode(), 0);
+    EXPECT_EQ(fetcher.StatusCode(), 500);
+
     HttpFetcher unopened;
     EXPECT_FALSE(unopened.Download(settings, server->url("/feed.xml"), FromFsPath(file), u"", u""));
     EXPECT_EQ(unopened.ErrorCode(), 0);
@@ -299,11 +278,13 @@ TEST_F(HttpFetcherTest, TransportFailuresGiveTheirOwnErrorCodes) {
     EXPECT_EQ(fetcher.ErrorCode(), kErrorTimeout);
 }
 
-TEST_F(HttpFetcherTest, DownloadBringsUpTheSharedConnection) {
+// A local file that cannot be created still counts as a success.
+TEST_F(HttpFetcherTest, DownloadBringsUpTheSharedConnectionWhereverTheBodyGoes) {
     ReleaseConnection(&ProcessConnectionHandle());
     Serve("/feed.xml");
-
-    ASSERT_TRUE(Download(server->url("/feed.xml")));
+    test::WriteFileBytes(dir / "QFChannelsData", "a file where the folder should be");
+    EXPECT_TRUE(Download(server->url("/feed.xml")));
+    EXPECT_EQ(fetcher.ErrorCode(), 0);
     EXPECT_TRUE(IsConnected(ProcessConnectionHandle()));
 }
 

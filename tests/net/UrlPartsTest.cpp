@@ -28,7 +28,7 @@ TEST(CrackUrl, KnownPrefixesSetTheSchemeAndItsDefaultPort) {
     }
 }
 
-TEST(CrackUrl, HostKeepsThePortNumberThatFollowsItWhichIsReadAfterTheLastColon) {
+TEST(CrackUrl, HostKeepsItsPortNumberReadAfterTheLastColonAndAnUnknownPrefixKeepsTheScheme) {
     const UrlParts parts = Cracked(u"http://example.com:8080/news/feed.xml?x=1");
     EXPECT_EQ(parts.host, u"example.com:8080");
     EXPECT_EQ(parts.port, 8080);
@@ -42,9 +42,7 @@ TEST(CrackUrl, HostKeepsThePortNumberThatFollowsItWhichIsReadAfterTheLastColon) 
     EXPECT_EQ(Cracked(u"http://example.com/at?time=10:30").port, 30);
     // Too large for a port: only the low 16 bits remain.
     EXPECT_EQ(Cracked(u"http://example.com:65616/").port, 80);
-}
 
-TEST(CrackUrl, UnknownPrefixKeepsThePreviousScheme) {
     const UrlParts fresh = Cracked(u"example.com/feed");
     EXPECT_EQ(fresh.scheme, kSchemeHttp);
     EXPECT_EQ(fresh.port, 80);

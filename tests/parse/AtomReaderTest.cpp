@@ -36,7 +36,7 @@ TEST(AtomReader, EntryLinkComesOnlyFromTextHtmlLinksAndTheLastOneWins) {
     EXPECT_EQ(key, u"http://a/1");
 }
 
-TEST(AtomReader, ReadsFeedDateIconAndEntryFields) {
+TEST(AtomReader, ReadsFeedDateIconAndEntryFieldsButALogoAloneIsNoImage) {
     const ParsedFeed feed(Feed(u"<title>Atom</title><updated>2007-10-22T22:16:44Z</updated>"
                                u"<logo>http://a/logo.png</logo><icon>http://a/i.ico</icon>"
                                u"<entry qf_wasRead=\"Yes\"><title>E</title><id>urn:1</id>"
@@ -60,14 +60,12 @@ TEST(AtomReader, ReadsFeedDateIconAndEntryFields) {
     EXPECT_EQ(feed.item(1).description(), u"");
     EXPECT_TRUE(feed.item(2).description().isNull());
     EXPECT_EQ(channel.newItemCount(), 2);
-}
 
-TEST(AtomReader, FeedWithOnlyALogoHasNoImage) {
-    const ParsedFeed feed(Feed(u"<title>T</title><logo>http://a/logo.png</logo>"));
-    ASSERT_TRUE(feed.parsed);
-    EXPECT_EQ(feed.channel.title(), u"T");
-    EXPECT_TRUE(feed.channel.image().url().isNull());
-    EXPECT_TRUE(feed.channel.image().localFile().isNull());
+    const ParsedFeed logo(Feed(u"<title>T</title><logo>http://a/logo.png</logo>"));
+    ASSERT_TRUE(logo.parsed);
+    EXPECT_EQ(logo.channel.title(), u"T");
+    EXPECT_TRUE(logo.channel.image().url().isNull());
+    EXPECT_TRUE(logo.channel.image().localFile().isNull());
 }
 
 } // namespace

@@ -51,7 +51,7 @@ TEST(RssReader, ReadFlagIsYesInAnyCaseAndCountsFollow) {
     EXPECT_EQ(feed.channel.newItemCount(), 3);
 }
 
-TEST(RssReader, LanguageFromTheTableAppliesToLaterStoriesOnly) {
+TEST(RssReader, LanguageAppliesToLaterStoriesOnlyAndOnlyAFirstChannelElementCounts) {
     const ParsedFeed feed(u"<rss><channel><item><title>before</title></item>"
                           u"<language>ja</language><item><title>after</title></item>"
                           u"<language>en</language><item/></channel></rss>");
@@ -61,14 +61,14 @@ TEST(RssReader, LanguageFromTheTableAppliesToLaterStoriesOnly) {
     EXPECT_EQ(feed.item(2).codePage(), 932); // an unknown language changes nothing
     EXPECT_EQ(feed.channel.encoding(), u"windows-932");
     EXPECT_EQ(feed.channel.codePage(), 0);
-}
 
-TEST(RssReader, FirstElementOtherThanChannelGivesAnEmptyChannel) {
-    const ParsedFeed feed(u"<rss><title>x</title><channel><title>T</title><item/></channel></rss>");
-    EXPECT_TRUE(feed.parsed);
-    EXPECT_EQ(feed.channel.feedType(), kFeedRss);
-    EXPECT_TRUE(feed.channel.items().empty());
-    EXPECT_TRUE(feed.channel.title().isNull());
+    // A first element other than the channel gives an empty channel.
+    const ParsedFeed early(
+        u"<rss><title>x</title><channel><title>T</title><item/></channel></rss>");
+    EXPECT_TRUE(early.parsed);
+    EXPECT_EQ(early.channel.feedType(), kFeedRss);
+    EXPECT_TRUE(early.channel.items().empty());
+    EXPECT_TRUE(early.channel.title().isNull());
 }
 
 TEST(RdfReader, IgnoresLanguageAndReadsImageAndItemsOnlyBesideTheChannel) {

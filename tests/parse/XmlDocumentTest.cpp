@@ -94,7 +94,7 @@ TEST_F(XmlDocumentTest, WalkSkipsPrologueToTopElementAndVisitsEveryKindOfSibling
     EXPECT_EQ(Top().nextSibling().nextSibling().name(), u"");
 }
 
-TEST_F(XmlDocumentTest, LoadTextNotesOnlyADoubleQuotedEncodingAndStripsTheDeclaration) {
+TEST_F(XmlDocumentTest, LoadTextNotesADoubleQuotedEncodingOnlyAndNeedsAFeedWordWhenAsked) {
     ASSERT_TRUE(
         doc.LoadText(u"<?xml version=\"1.0\" encoding=\"windows-1251\"?><rss>\u0416</rss>", true));
     EXPECT_EQ(doc.declaredCodePage(), 1251);
@@ -109,9 +109,8 @@ TEST_F(XmlDocumentTest, LoadTextNotesOnlyADoubleQuotedEncodingAndStripsTheDeclar
     // The declaration's encoding names bytes the text no longer has, so it never fails a parse.
     XmlDocument wide;
     ASSERT_TRUE(wide.LoadText(u"<?xml version=\"1.0\" encoding=\"utf-16\"?><rss/>", true));
-}
 
-TEST_F(XmlDocumentTest, LoadTextWithoutDeclarationNeedsAFeedWordOnlyWhenAsked) {
+    // Without a declaration the text needs a feed word only when asked.
     EXPECT_FALSE(doc.LoadText(u"<html><body>Not here</body></html>", true));
     EXPECT_TRUE(doc.LoadText(u"<html><body>Not here</body></html>", false));
     ASSERT_TRUE(doc.LoadText(u"<?xml version=\"1.0\" encoding=\"windows-932\"?><html/>", true));

@@ -45,7 +45,7 @@ TEST_F(FileUtilTest, ReadingGivesNoTextForEmptyMissingOrSpecialFiles) {
     EXPECT_EQ(ReadFileAsText(at("feed")), u"<rss>caf\u00e9</rss>");
 }
 
-TEST_F(FileUtilTest, CopyReplacesTheDestinationAndDeleteRemovesOnlyFiles) {
+TEST_F(FileUtilTest, CopyReplacesDeleteRemovesOnlyFilesAndTreeRemovalKeepsFoldersWithFiles) {
     test::WriteFileBytes(dir / "source", "new");
     test::WriteFileBytes(dir / "target", "old and longer");
     EXPECT_TRUE(CopyFile(at("source"), at("target")));
@@ -58,9 +58,7 @@ TEST_F(FileUtilTest, CopyReplacesTheDestinationAndDeleteRemovesOnlyFiles) {
     EXPECT_FALSE(DeleteFile(at("source")));
     EXPECT_FALSE(DeleteFile(FromFsPath(dir.path())));
     EXPECT_TRUE(fs::exists(dir.path()));
-}
 
-TEST_F(FileUtilTest, TreeRemovalTakesEmptyFoldersAndKeepsThoseWithFiles) {
     fs::create_directories(dir / "tree/a/b/c");
     fs::create_directories(dir / "tree/d");
     fs::create_directories(dir / "tree/kept/inner");

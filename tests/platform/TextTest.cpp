@@ -20,7 +20,7 @@ TEST(WString, NullDiffersFromEmptyAndNullSourceChangesNothing) {
     EXPECT_NE(WString(), WString(u""));
 }
 
-TEST(BoundedText, CopyKeepsCapacityUnitsAndAppendKeepsRoomForTerminator) {
+TEST(BoundedText, CopyKeepsCapacityUnitsAppendKeepsRoomForTerminatorAndDecimalsAreLeading) {
     EXPECT_EQ(BoundedCopy(u"abc", 4), u"abc");
     EXPECT_EQ(BoundedCopy(u"abcd", 4), u"abcd");
     EXPECT_EQ(BoundedCopy(u"abcdef", 4), u"abcd");
@@ -30,9 +30,7 @@ TEST(BoundedText, CopyKeepsCapacityUnitsAndAppendKeepsRoomForTerminator) {
     EXPECT_EQ(text, u"abcd");
     BoundedAppend(text, u"x", 5);
     EXPECT_EQ(text, u"abcd");
-}
 
-TEST(LeadingDecimal, ReadsLeadingDigitsOnly) {
     EXPECT_EQ(LeadingDecimal(u"42abc"), 42);
     EXPECT_EQ(LeadingDecimal(u"  -7"), -7);
     EXPECT_EQ(LeadingDecimal(u"+12"), 12);

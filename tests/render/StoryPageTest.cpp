@@ -70,15 +70,12 @@ TEST_F(StoryPageTest, WithoutTitleDateOrCharsetThoseRowsAreLeftOut) {
     EXPECT_EQ(Page(), expected);
 }
 
-TEST_F(StoryPageTest, StoryWithoutBodyHasNoPageButAnEmptyBodyHasOne) {
+TEST_F(StoryPageTest, StoryWithoutBodyHasNoPageAndALogoOnDiskReplacesTheTitleBanner) {
     item_.SetDescription(WString());
     EXPECT_FALSE(BuildStoryPage(channel_, item_, context_).has_value());
 
     item_.SetDescription(WString(u""));
     EXPECT_NE(Page().find(u"<tr><td></td></tr>"), std::u16string::npos);
-}
-
-TEST_F(StoryPageTest, LogoOnDiskReplacesTheTitleBanner) {
     EXPECT_NE(Page().find(kTitleBanner), std::u16string::npos) << "named but not downloaded";
 
     PutLogoOnDisk();
@@ -102,7 +99,7 @@ TEST_F(StoryPageTest, InsertedTextsKeepTheirMarkup) {
     EXPECT_NE(page.find(u"<b>1 < 2 & \"quoted\"</b>"), std::u16string::npos);
 }
 
-TEST_F(StoryPageTest, LongTitleCutsEverythingBeforeTheBodyAt1039Characters) {
+TEST_F(StoryPageTest, LongTitleCutsEverythingBeforeTheBodyAt1039CharactersButTheBodyIsWhole) {
     item_.SetTitle(WString(std::u16string(3000, u'T')));
     const std::u16string page = Page();
     const std::u16string body = u"<p>Winds of <i>120</i> km/h.</p>";
@@ -110,17 +107,15 @@ TEST_F(StoryPageTest, LongTitleCutsEverythingBeforeTheBodyAt1039Characters) {
     EXPECT_EQ(page.substr(1039 - 3, 3 + body.size()), u"TTT" + body);
     EXPECT_TRUE(page.ends_with(kDatedTail));
     EXPECT_EQ(page.size(), 1039 + body.size() + kDatedTail.size());
-}
 
-TEST_F(StoryPageTest, VeryLongBodyIsCarriedWhole) {
-    std::u16string body(100000, u'x');
-    body.front() = u'<';
-    body.back() = u'>';
-    item_.SetDescription(WString(body));
-    const std::u16string page = Page();
-    const std::size_t at = page.find(body);
+    std::u16string huge(100000, u'x');
+    huge.front() = u'<';
+    huge.back() = u'>';
+    item_.SetDescription(WString(huge));
+    const std::u16string hugePage = Page();
+    const std::size_t at = hugePage.find(huge);
     ASSERT_NE(at, std::u16string::npos);
-    EXPECT_EQ(page.substr(at + body.size()), kDatedTail);
+    EXPECT_EQ(hugePage.substr(at + huge.size()), kDatedTail);
 }
 
 } // namespace

@@ -22,9 +22,7 @@ TEST(WelcomePage, PocketPcPageAsksToTapContinueAndOtherDevicesEndAfterTheGreetin
     EXPECT_EQ(BuildWelcomePage(true, 12), greetingOnly);
     EXPECT_EQ(BuildWelcomePage(true, 4), greetingOnly);
     EXPECT_EQ(BuildWelcomePage(false, 2), greetingOnly);
-}
 
-TEST(WelcomePage, NarrowScreensGetTheSmallLogo) {
     EXPECT_EQ(WelcomeLogo(200), 1053);
     EXPECT_EQ(WelcomeLogo(219), 1053);
     EXPECT_EQ(WelcomeLogo(220), 1041);

@@ -68,7 +68,7 @@ protected:
     test::TempDir dir;
 };
 
-TEST_F(ChannelStoreFileTest, SavedFileListsElementsAndAttributesInTheirFixedOrder) {
+TEST_F(ChannelStoreFileTest, SavedFileListsEverythingInAFixedOrderAndReloadsToTheSameFile) {
     ChannelStore store;
     FillStore(store);
     ASSERT_TRUE(SaveStore(store, StorePath()));
@@ -88,25 +88,19 @@ TEST_F(ChannelStoreFileTest, SavedFileListsElementsAndAttributesInTheirFixedOrde
         "<outline ID=\"11\" xmlUrl=\"http://b.example/\" updateValue=\"-1\" updateUnit=\"-1\" "
         "itemCount=\"0\" newItemCount=\"0\" matchCount=\"0\" updateTime=\"\" qf_hasErrors=\"no\"/>"
         "</outline></body></opml>\n");
-}
 
-// Saving what was loaded gives the same file again, except for newChannels, which is written as
-// yes/no but read as a number.
-TEST_F(ChannelStoreFileTest, ReloadedStoreSavesTheSameFileButNewChannels) {
-    ChannelStore saved;
-    FillStore(saved);
-    ASSERT_TRUE(SaveStore(saved, StorePath()));
+    // Saving what was loaded gives the same file again, except for newChannels, which is written
+    // as yes/no but read as a number.
     std::string expected = test::ReadFileBytes(dir / "QFChannels.opml");
     expected.replace(expected.find("newChannels=\"yes\""), 17, "newChannels=\"no\"");
-
-    ChannelStore store;
-    ASSERT_TRUE(LoadStore(store, StorePath()));
-    EXPECT_EQ(store.newChannels(), 0);
-    const Channel& full = *store.categories()[0]->channels()[0];
+    ChannelStore reloaded;
+    ASSERT_TRUE(LoadStore(reloaded, StorePath()));
+    EXPECT_EQ(reloaded.newChannels(), 0);
+    const Channel& full = *reloaded.categories()[0]->channels()[0];
     EXPECT_EQ(full.codePage(), 1251);
     EXPECT_EQ(full.state(), kChannelFailed);
-    EXPECT_TRUE(store.categories()[0]->channels()[1]->password().isNull());
-    ASSERT_TRUE(SaveStore(store, StorePath()));
+    EXPECT_TRUE(reloaded.categories()[0]->channels()[1]->password().isNull());
+    ASSERT_TRUE(SaveStore(reloaded, StorePath()));
     EXPECT_EQ(test::ReadFileBytes(dir / "QFChannels.opml"), expected);
 }
 
@@ -150,19 +144,9 @@ TEST_F(ChannelStoreFileTest, BodyIsReadLenientlyAndFlattensNestedGroups) {
     EXPECT_EQ(store.nextId(), 6);
 }
 
-TEST_F(ChannelStoreFileTest, NextIdLeftAtZeroFollowsTheLargestId) {
-    WriteStore(R"(<opml><head><options><channels nextID="0" newChannels="1"/></options></head>
-        <body><outline text="A"><outline xmlUrl="http://3/" ID="3"/><outline xmlUrl="http://x/"/>
-        </outline></body></opml>)");
-    ChannelStore store;
-    ASSERT_TRUE(LoadStore(store, StorePath()));
-    EXPECT_EQ(store.newChannels(), 1);
-    EXPECT_EQ(store.nextId(), 4);
-}
-
 // Channels sharing an id would share their cached files: the first keeps it, the later ones take
 // fresh ids. An id the file gives wins over one the load handed out for a stored 0, and channels
-// without an id (0) count as sharing it too.
+// without an id (0) count as sharing it too. A next id left at 0 follows the largest id.
 TEST_F(ChannelStoreFileTest, ChannelsSharingAnIdKeepTheFirstAndTheOthersTakeFreshIds) {
     WriteStore(R"(<opml><head><options><channels nextID="3"/></options></head><body>
         <outline text="A"><outline xmlUrl="http://a/" ID="5"/><outline xmlUrl="http://b/" ID="0"/>
@@ -179,6 +163,14 @@ TEST_F(ChannelStoreFileTest, ChannelsSharingAnIdKeepTheFirstAndTheOthersTakeFres
     }
     EXPECT_EQ(ids, (std::vector<int32_t>{5, 7, 6, 0, 8, 9}));
     EXPECT_EQ(store.nextId(), 10);
+
+    WriteStore(R"(<opml><head><options><channels nextID="0" newChannels="1"/></options></head>
+        <body><outline text="A"><outline xmlUrl="http://3/" ID="3"/><outline xmlUrl="http://x/"/>
+        </outline></body></opml>)");
+    ChannelStore zero;
+    ASSERT_TRUE(LoadStore(zero, StorePath()));
+    EXPECT_EQ(zero.newChannels(), 1);
+    EXPECT_EQ(zero.nextId(), 4);
 }
 
 TEST_F(ChannelStoreFileTest, MissingOrForeignFilesFailToLoad) {

@@ -31,7 +31,7 @@ TEST(OpmlImport, DirectoryHoldsOnlyPlainCategoriesAndChannels) {
     }
 }
 
-TEST(OpmlImport, FileFlattensSubGroupsAndPutsLooseChannelsInDefault) {
+TEST(OpmlImport, FileFlattensSubGroupsAndPutsLooseChannelsInDefaultAndOtherFilesFail) {
     const test::TempDir dir;
     test::WriteFileBytes(dir / "list.opml", R"(<?xml version="1.0" encoding="ISO-8859-1"?>
         <opml version="2.0"><head><title>Mine</title></head><body>
@@ -52,11 +52,8 @@ TEST(OpmlImport, FileFlattensSubGroupsAndPutsLooseChannelsInDefault) {
     ASSERT_EQ(tech.channels().size(), 3u);
     EXPECT_EQ(tech.channels()[0]->title(), u"LWN");
     EXPECT_EQ(tech.channels()[2]->xmlUrl(), u"http://twice/");
-}
 
-TEST(OpmlImport, MissingEmptyAndNonOpmlFilesFail) {
-    const test::TempDir dir;
-    ChannelStore store;
+    store.categories().clear();
     EXPECT_FALSE(ImportOpml(FromFsPath(dir / "missing.opml"), store));
     test::WriteFileBytes(dir / "empty.opml", "");
     EXPECT_FALSE(ImportOpml(FromFsPath(dir / "empty.opml"), store));

@@ -1,24 +1,16 @@
 #!/usr/bin/env python3
-"""A local HTTP and HTTPS server for the network tests.
+"""A local HTTP and HTTPS server for the network tests, on 127.0.0.1 only.
 
 Usage: http_test_server.py [NAME=CERT_FILE:KEY_FILE ...]
 
-Listens on 127.0.0.1 only: one plain HTTP listener and one HTTPS listener per certificate given,
-each on a port the system picks. Prints "NAME PORT" for every listener ("http" for the plain one),
-then "ready". Then reads commands from standard input, one per line, and answers each with one
-line; the end of input ends the server. A command is a word followed by KEY=VALUE fields, every
-value in hexadecimal digits:
-
-  route path=/feed status=200 mode=fixed body=... header=Name:value auth=user:password
-        modes: fixed (Content-Length), close (no length, the connection closes after the body),
-        endless (a small block every few milliseconds, never ending),
-        silent (the request is read and never answered)
-  hits path=/feed        -> how many requests that path had
-  await path=/feed count=2
-                         -> waits (at most 30 s) until that path had as many requests, then
-                            answers how many it had
-  connections            -> how many connections were accepted
-  request path=/feed     -> the head of the last request to that path, in hexadecimal digits
+Prints "NAME PORT" for the plain listener ("http") and one HTTPS listener per certificate, then
+"ready". Then answers each command line on standard input with one line, until the input ends.
+Commands (every value in hexadecimal digits):
+  route path= status= mode=fixed|close|endless|silent body= header=Name:value auth=user:password
+  hits path=             requests that path had
+  await path= count=     waits (at most 30 s) for that many requests; answers how many it had
+  connections            connections accepted
+  request path=          the head of the last request to that path, in hexadecimal digits
 """
 
 import base64
@@ -44,16 +36,11 @@ class RecordingReader:
     """Keeps the raw lines a request head was read from."""
 
     def __init__(self, stream):
-        self.stream = stream
-        self.lines = []
+        self.stream, self.lines = stream, []
 
     def readline(self, *args):
-        line = self.stream.readline(*args)
-        self.lines.append(line)
-        return line
-
-    def read(self, *args):
-        return self.stream.read(*args)
+        self.lines.append(self.stream.readline(*args))
+        return self.lines[-1]
 
     def take(self):
         head, self.lines = b"".join(self.lines), []
