@@ -10,9 +10,16 @@ line; the end of input ends the server. A command is a word followed by KEY=VALU
 value in hexadecimal digits:
 
   route path=/feed status=200 mode=fixed body=... header=Name:value auth=user:password
+        gzip=1 delay=0.2
         modes: fixed (Content-Length), close (no length, the connection closes after the body),
         endless (a small block every few milliseconds, never ending),
         silent (the request is read and never answered)
+        A route with an ETag or Last-Modified header answers 304 to a request that sends it
+        back (If-None-Match, If-Modified-Since); gzip compresses the body when the request asks
+        for it; delay waits that many seconds before answering.
+  listen address=127.0.0.2
+                         -> starts another plain listener on that address, answers its port
+  peak address=127.0.0.1 -> the most connections that address had open at once
   hits path=/feed        -> how many requests that path had
   await path=/feed count=2
                          -> waits (at most 30 s) until that path had as many requests, then
@@ -22,6 +29,7 @@ value in hexadecimal digits:
 """
 
 import base64
+import gzip
 import ssl
 import sys
 import threading
@@ -34,6 +42,8 @@ routes = {}
 hits = {}
 heads = {}
 connections = 0
+open_connections = {}
+peak_connections = {}
 never = threading.Event()
 ENDLESS_BLOCK = b"x" * 1024
 ENDLESS_PAUSE = 0.005
@@ -70,8 +80,20 @@ class Handler(BaseHTTPRequestHandler):
             self.request = self.server.context.wrap_socket(self.request, server_side=True)
         super().setup()
         self.rfile = RecordingReader(self.rfile)
+        address = self.server.server_address[0]
         with lock:
             connections += 1
+            open_connections[address] = open_connections.get(address, 0) + 1
+            peak_connections[address] = max(peak_connections.get(address, 0),
+                                            open_connections[address])
+
+    def finish(self):
+        try:
+            super().finish()
+        finally:
+            address = self.server.server_address[0]
+            with lock:
+                open_connections[address] -= 1
 
     def log_message(self, *args):
         pass
@@ -89,7 +111,20 @@ class Handler(BaseHTTPRequestHandler):
         elif route["mode"] == "silent":
             never.wait()
         else:
-            self.answer(route["status"], route["headers"], route["body"], route["mode"])
+            time.sleep(route["delay"])
+            self.answer(*self.shaped(route), route["mode"])
+
+    def shaped(self, route):
+        """The status, headers and body as the request's own headers shape them."""
+        headers = dict((name.lower(), value) for name, value in route["headers"])
+        for validator, header in (("if-none-match", "etag"),
+                                  ("if-modified-since", "last-modified")):
+            if header in headers and self.headers.get(validator) == headers[header]:
+                return 304, route["headers"], b""
+        if route["gzip"] and "gzip" in self.headers.get("Accept-Encoding", ""):
+            return (route["status"], route["headers"] + [("Content-Encoding", "gzip")],
+                    gzip.compress(route["body"]))
+        return route["status"], route["headers"], route["body"]
 
     def answer(self, status, headers, body, mode):
         self.send_response(status)
@@ -114,7 +149,7 @@ class Handler(BaseHTTPRequestHandler):
 
 def add_route(fields):
     route = {"path": "/", "status": 200, "mode": "fixed", "body": b"", "headers": [],
-             "auth": None}
+             "auth": None, "gzip": False, "delay": 0.0}
     for key, value in fields:
         if key == "header":
             route["headers"].append(tuple(value.decode().split(":", 1)))
@@ -122,6 +157,10 @@ def add_route(fields):
             route["auth"] = "Basic " + base64.b64encode(value).decode()
         elif key == "status":
             route[key] = int(value)
+        elif key == "gzip":
+            route[key] = value == b"1"
+        elif key == "delay":
+            route[key] = float(value)
         else:
             route[key] = value if key == "body" else value.decode()
     with lock:
@@ -134,6 +173,8 @@ def run_command(line):
     fields = [(key, bytes.fromhex(value)) for key, value in (w.split("=", 1) for w in words)]
     if command == "route":
         return add_route(fields)
+    if command == "listen":
+        return str(serve(None, None, dict(fields)["address"].decode()))
     fields = dict(fields)
     path = fields.get("path", b"").decode()
     with lock:
@@ -145,6 +186,8 @@ def run_command(line):
             return str(hits.get(path, 0))
         if command == "connections":
             return str(connections)
+        if command == "peak":
+            return str(peak_connections.get(fields.get("address", b"").decode(), 0))
         if command == "request":
             return heads.get(path, b"").hex()
     return "unknown command"
@@ -153,18 +196,20 @@ def run_command(line):
 class Server(ThreadingHTTPServer):
     daemon_threads = True
 
-    def __init__(self, context):
-        super().__init__(("127.0.0.1", 0), Handler)
+    def __init__(self, context, address):
+        super().__init__((address, 0), Handler)
         self.context = context
 
     def handle_error(self, request, client_address):
         pass  # a refused certificate or a client that went away is part of the tests
 
 
-def serve(name, context=None):
-    server = Server(context)
-    print(name, server.server_address[1], flush=True)
+def serve(name, context=None, address="127.0.0.1"):
+    server = Server(context, address)
+    if name is not None:
+        print(name, server.server_address[1], flush=True)
     threading.Thread(target=server.serve_forever, daemon=True).start()
+    return server.server_address[1]
 
 
 def main():
