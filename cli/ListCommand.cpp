@@ -28,6 +28,11 @@ Json ChannelJson(const Channel& channel) {
         {"updateTime", DateText(channel.updateTime())},
         {"cacheFile", TextOrNull(channel.cacheFile())},
         {"feedType", channel.feedType()},
+        {"etag", channel.server().etag.toUtf8()},
+        {"lastModified", channel.server().lastModified.toUtf8()},
+        {"notBefore", DateText(channel.server().notBefore)},
+        {"freshUntil", DateText(channel.server().freshUntil)},
+        {"gone", channel.server().gone},
     };
 }
 

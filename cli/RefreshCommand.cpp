@@ -97,6 +97,7 @@ Json ResultJson(const Channel& channel) {
         {"newItemCount", channel.newItemCount()},
         {"updateTime", DateText(channel.updateTime())},
         {"errorText", updated ? Json(nullptr) : TextOrNull(channel.errorText())},
+        {"notModified", channel.server().notModified},
     };
 }
 

@@ -33,6 +33,16 @@ NewsItem* Channel::ItemAt(int32_t index) const {
     return items_[static_cast<std::size_t>(index)].get();
 }
 
+void Channel::SetXmlUrl(const WString& xmlUrl) {
+    if (xmlUrl.isNull()) {
+        return;
+    }
+    if (xmlUrl_.isNull() || xmlUrl_.str() != xmlUrl.str()) {
+        server_ = ServerState{};
+    }
+    xmlUrl_.set(xmlUrl);
+}
+
 void Channel::SetItemCount(int32_t count) {
     if (count >= 1) {
         itemCount_ = count;

@@ -3,6 +3,7 @@
 #include "model/ChannelImage.h"
 #include "model/FeedDate.h"
 #include "model/NewsItem.h"
+#include "model/ServerState.h"
 #include "model/UpdateInterval.h"
 #include "platform/WString.h"
 
@@ -53,6 +54,8 @@ public:
     const FeedDate& updateTime() const { return updateTime_; }
     const ChannelImage& image() const { return image_; }
     ChannelImage& image() { return image_; }
+    const ServerState& server() const { return server_; }
+    ServerState& server() { return server_; }
     const ItemList& items() const { return items_; }
     ItemList& items() { return items_; }
     // The story at `index`, or nullptr outside the list.
@@ -62,7 +65,8 @@ public:
     void SetId(int32_t id) { id_ = id; }
     void SetState(int32_t state) { state_ = state; }
     void SetTitle(const WString& title) { title_.set(title); }
-    void SetXmlUrl(const WString& xmlUrl) { xmlUrl_.set(xmlUrl); }
+    // A different address forgets what the old address's server said (validators, pauses, gone).
+    void SetXmlUrl(const WString& xmlUrl);
     void SetUserName(const WString& userName) { userName_.set(userName); }
     void SetPassword(const WString& password) { password_.set(password); }
     void SetUpdateValue(int32_t value) { updateValue_ = value; }
@@ -121,6 +125,7 @@ private:
     FeedDate lastBuildDate_;
     FeedDate updateTime_;
     ChannelImage image_;
+    ServerState server_;
     ItemList items_;
 };
 

@@ -210,7 +210,11 @@ bool ChannelStore::IsChannelDue(const Channel& channel) const {
     const int64_t interval = channel.updateValue() != kIntervalNotSet
                                  ? IntervalSeconds(channel.updateValue(), channel.updateUnit())
                                  : IntervalSeconds(updateValue_, updateUnit_);
-    return LongerAgoThan(channel.updateTime(), interval);
+    // Automatic updates also wait for the server: for the end of a pause it asked for, for its
+    // copy to go stale, and forever for a feed it called gone.
+    const FeedDate now = FeedDate::NowUtc();
+    return LongerAgoThan(channel.updateTime(), interval) && !channel.server().KeepsAway(now) &&
+           !channel.server().IsFresh(now);
 }
 
 bool ChannelStore::HasChannelDue() const {

@@ -120,7 +120,8 @@ public:
     bool Contains(std::u16string_view xmlUrl) const;
 
     // Whether more whole seconds than the channel's interval (or the store's, when the channel has
-    // none of its own) have passed since the channel was last updated.
+    // none of its own) have passed since the channel was last updated, and its server neither
+    // keeps it away nor still counts its copy as fresh.
     bool IsChannelDue(const Channel& channel) const;
     // Whether any channel is due.
     bool HasChannelDue() const;

@@ -292,6 +292,10 @@ void FeedDate::AddHours(int64_t hours) {
     time_ = SystemTimeFromTicks(Advance(Ticks(), hours, kTicksPerHour));
 }
 
+void FeedDate::AddSeconds(int64_t seconds) {
+    time_ = SystemTimeFromTicks(Advance(Ticks(), seconds, kTicksPerSecond));
+}
+
 void FeedDate::SetFromSystemTime(const SystemTime& time) {
     time_ = time;
     valid_ = true;

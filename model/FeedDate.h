@@ -27,6 +27,7 @@ public:
     // Times beyond 1601-01-01 .. 30827-12-31 are held at those ends.
     void SetFields(int year, int month, int day, int hour, int minute, int second, int zoneHours);
     void AddHours(int64_t hours);
+    void AddSeconds(int64_t seconds);
     void SetFromSystemTime(const SystemTime& time);
     void Clear() { *this = FeedDate(); }
 

@@ -4,9 +4,12 @@
 #include "model/ChannelStore.h"
 #include "model/DataFolder.h"
 #include "net/HttpFetcher.h"
+#include "net/ServerTimes.h"
 #include "parse/FeedFile.h"
 #include "parse/ReadState.h"
+#include "platform/Files.h"
 #include "platform/StringTable.h"
+#include "platform/Text.h"
 #include "store/CachedFeeds.h"
 
 #include <algorithm>
@@ -16,7 +19,7 @@ namespace qf {
 
 namespace {
 
-// Stage texts of the progress line.
+constexpr int32_t kStatusGone = 410;
 
 // The fields a feed fills, copied so that parsing into the copy acts as parsing into the channel
 // would: what the feed does not mention keeps the channel's value.
@@ -121,6 +124,76 @@ void RecordFailure(Channel& live, RefreshObserver& observer, const ChannelResult
     }
 }
 
+// A header's text, null when the answer has none (or an empty one).
+WString HeaderText(const ResponseHead& answer, std::string_view name) {
+    const auto value = answer.Header(name);
+    return value && !value->empty() ? WString(Utf8ToUtf16(*value)) : WString();
+}
+
+// Notes what the answer of the feed's download said, for the owner to keep.
+void NoteAnswer(const HttpFetcher& fetcher, const ChannelJob& job, ChannelResult& result) {
+    const ResponseHead& answer = fetcher.Answer();
+    result.answered = answer.status != 0;
+    if (!result.answered) {
+        return;
+    }
+    const FeedDate now = FeedDate::NowUtc();
+    ServerState& server = result.server;
+    server.notBefore = BackOffEnd(answer, now);
+    server.freshUntil = FreshnessEnd(answer, now);
+    server.gone = answer.status == kStatusGone;
+    server.notModified = fetcher.NotModified();
+    server.etag = HeaderText(answer, "ETag");
+    server.lastModified = HeaderText(answer, "Last-Modified");
+    if (server.notModified) {
+        // A 304 need not repeat the validators; those sent still describe the cached feed.
+        if (server.etag.isNull() && !job.etag.empty()) {
+            server.etag = WString(job.etag);
+        }
+        if (server.lastModified.isNull() && !job.lastModified.empty()) {
+            server.lastModified = WString(job.lastModified);
+        }
+        return;
+    }
+    if (fetcher.RedirectedTo().empty()) {
+        return;
+    }
+    if (fetcher.OnlyPermanentRedirects()) {
+        result.movedTo = fetcher.RedirectedTo();
+    } else {
+        // Validators of another address than the channel's would be sent to the wrong one.
+        server.etag = WString();
+        server.lastModified = WString();
+    }
+}
+
+// Keeps what the server said with the live channel, while it still has the address asked for.
+void KeepServerState(Channel& live, const ChannelResult& result) {
+    live.server().notModified = result.server.notModified;
+    if (!result.answered || live.xmlUrl().str() != result.url) {
+        return;
+    }
+    const bool success =
+        result.outcome == UpdateOutcome::kUpdated || result.outcome == UpdateOutcome::kNotModified;
+    if (!success) {
+        // A page that is no feed (a login portal) teaches nothing about the feed's address.
+        live.server().notBefore = result.server.notBefore;
+        live.server().gone = live.server().gone || result.server.gone;
+        return;
+    }
+    if (!result.movedTo.empty()) {
+        live.SetXmlUrl(WString(result.movedTo));
+    }
+    live.server() = result.server;
+}
+
+void MarkUpdated(Channel& live, RefreshObserver& observer) {
+    live.SetHasErrors(0);
+    live.SetUpdateTime(FeedDate::NowUtc());
+    live.SetState(kChannelIdle);
+    observer.RedrawChannel(live);
+}
+
 } // namespace
 
 ChannelJob MakeChannelJob(const ChannelStore& store, Channel& channel, int32_t mergeOption) {
@@ -136,6 +209,8 @@ ChannelJob MakeChannelJob(const ChannelStore& store, Channel& channel, int32_t m
     job.password = channel.password().str();
     job.volume = store.settings().storageVolume().str();
     job.cacheFile = channel.cacheFile();
+    job.etag = channel.server().etag.str();
+    job.lastModified = channel.server().lastModified.str();
     job.takeTitle = mergeOption != 0;
     job.previousState = channel.state();
     job.snapshot = FeedFieldsOf(channel);
@@ -157,6 +232,7 @@ ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSett
     ChannelResult result;
     result.channel = job.channel;
     result.id = job.id;
+    result.url = job.url;
     result.volume = job.volume;
     result.takeTitle = job.takeTitle;
     result.previousState = job.previousState;
@@ -168,12 +244,21 @@ ChannelResult FetchChannel(ChannelJob job, HttpFetcher& fetcher, const FetchSett
     // Without a file of its own the download still runs, and what it left is what gets parsed.
     const std::u16string target = temp ? temp->path() : feedPath.value_or(u"");
     fetcher.OpenSession(settings);
-    if (!fetcher.Download(settings, job.url, target, job.userName, job.password,
-                          progress.Bytes())) {
+    // Without the cached feed a "not modified" would leave nothing to show: ask unconditionally.
+    const bool cached = feedPath && FileExists(*feedPath);
+    const Validators validators = cached ? Validators{job.etag, job.lastModified} : Validators{};
+    const bool downloaded = fetcher.Download(settings, job.url, target, job.userName, job.password,
+                                             progress.Bytes(), validators);
+    NoteAnswer(fetcher, job, result);
+    if (!downloaded) {
         result.errorCode = fetcher.ErrorCode();
         if (fetcher.StoppedBeforeAnswer()) {
             result.outcome = UpdateOutcome::kStopped;
         }
+        return result;
+    }
+    if (fetcher.NotModified()) {
+        result.outcome = UpdateOutcome::kNotModified;
         return result;
     }
     // ftp and file addresses leave the cached feed as it is, and that is what is read.
@@ -215,6 +300,14 @@ bool ApplyChannelResult(ChannelStore& store, RefreshObserver& observer, ChannelR
         AbandonChannelUpdate(*live, result.previousState, observer);
         return false;
     }
+    KeepServerState(*live, result);
+    if (result.outcome == UpdateOutcome::kNotModified) {
+        MarkUpdated(*live, observer);
+        if (completion) {
+            observer.PostRefreshDone(*live, completion);
+        }
+        return true;
+    }
     if (result.outcome != UpdateOutcome::kUpdated) {
         RecordFailure(*live, observer, result);
         return false;
@@ -238,10 +331,7 @@ bool ApplyChannelResult(ChannelStore& store, RefreshObserver& observer, ChannelR
                     [](const auto& item) { return item->isRead(); })) {
         live->SetModified(true);
     }
-    live->SetHasErrors(0);
-    live->SetUpdateTime(FeedDate::NowUtc());
-    live->SetState(kChannelIdle);
-    observer.RedrawChannel(*live);
+    MarkUpdated(*live, observer);
     observer.RetireItems(*live, std::move(old));
     if (completion) {
         observer.PostRefreshDone(*live, completion);

@@ -30,6 +30,9 @@ struct ChannelJob {
     std::u16string password;
     std::u16string volume;
     WString cacheFile;
+    // The validators of the cached feed, sent when that file is still there.
+    std::u16string etag;
+    std::u16string lastModified;
     bool takeTitle = false;
     // The channel's state before this update began, put back when the update ends without an
     // outcome.
@@ -45,6 +48,8 @@ enum class UpdateOutcome {
     kDownloadFailed,
     kParseFailed,
     kUpdated,
+    // The server said the cached feed is current: nothing was downloaded or parsed.
+    kNotModified,
     // A stop ended the download before its answer came: neither a success nor a failure.
     kStopped,
 };
@@ -52,6 +57,8 @@ enum class UpdateOutcome {
 struct ChannelResult {
     const Channel* channel = nullptr;
     int32_t id = 0;
+    // The address asked for: what its server said is kept only while the channel still has it.
+    std::u16string url;
     std::u16string volume;
     UpdateOutcome outcome = UpdateOutcome::kDownloadFailed;
     int32_t errorCode = 0;
@@ -65,6 +72,12 @@ struct ChannelResult {
     std::u16string feedPath;
     std::optional<TempFile> image;
     std::u16string imagePath;
+    // Whether an answer came, and what its server said (see ServerState); the validators are
+    // those to keep after a success.
+    bool answered = false;
+    ServerState server;
+    // Where the feed now lives when it was reached through permanent redirects only.
+    std::u16string movedTo;
 };
 
 // Owner thread. Gives the channel its cached feed name when it has none yet (-> `cacheFile`). A
@@ -89,9 +102,11 @@ Channel* FindLiveChannel(const ChannelStore& store, const Channel* channel, int3
 // Owner thread: applies the outcome to the live channel, one result at a time. On success the
 // read states of the stories it had (read from its cached feed when they were not in memory) are
 // carried over, the download replaces the cached feed, the stories are swapped, and `completion`
-// (when set) is asked for; a failure records its error text and keeps stories and cached feed; a
-// stopped update leaves the channel as it was before it began. Answers whether the channel was
-// updated; false also when the store no longer holds it.
+// (when set) is asked for; a feed that moved for good takes its new address. "Not modified"
+// counts as a success that keeps cached feed and stories as they are. A failure records its error
+// text and keeps stories and cached feed; a stopped update leaves the channel as it was before it
+// began. What the server said (validators, pauses, freshness, gone) is kept with the channel.
+// Answers whether the channel was updated; false also when the store no longer holds it.
 bool ApplyChannelResult(ChannelStore& store, RefreshObserver& observer, ChannelResult result,
                         const RefreshCompletion& completion);
 

@@ -19,7 +19,13 @@ namespace {
 constexpr int32_t kStatusOk = 200;
 constexpr int32_t kStatusMovedPermanently = 301;
 constexpr int32_t kStatusFound = 302;
+constexpr int32_t kStatusNotModified = 304;
+constexpr int32_t kStatusTemporaryRedirect = 307;
+constexpr int32_t kStatusPermanentRedirect = 308;
 constexpr int32_t kStatusNotFound = 404;
+constexpr int32_t kStatusGone = 410;
+constexpr int32_t kStatusTooManyRequests = 429;
+constexpr int32_t kStatusUnavailable = 503;
 // Two redirects are followed; meeting a third fails the download.
 constexpr int kMaxRedirects = 2;
 // The body of an answer that is not saved (an error page, a redirect) is read and dropped so
@@ -63,6 +69,7 @@ public:
 
     const ResponseHead& head() const { return head_; }
     const std::u16string& entityTag() const { return entityTag_; }
+    ResponseHead TakeHead() { return std::move(head_); }
 
 private:
     static bool IsSet(const std::atomic<bool>* flag) { return flag != nullptr && flag->load(); }
@@ -133,6 +140,7 @@ struct HttpFetcher::Job {
     std::u16string_view userName;
     std::u16string_view password;
     const ProgressCallback& progress;
+    const Validators& validators;
 };
 
 HttpFetcher::HttpFetcher() = default;
@@ -158,9 +166,14 @@ bool HttpFetcher::CloseSession() {
 
 bool HttpFetcher::Download(const FetchSettings& settings, std::u16string_view url,
                            std::u16string_view localPath, std::u16string_view userName,
-                           std::u16string_view password, const ProgressCallback& progress) {
+                           std::u16string_view password, const ProgressCallback& progress,
+                           const Validators& validators) {
     nothingFetched_ = false;
     stoppedBeforeAnswer_ = false;
+    notModified_ = false;
+    onlyPermanentRedirects_ = true;
+    redirectedTo_.clear();
+    answer_ = ResponseHead{};
     // Cracked as by a fresh fetcher: an address without a scheme must not inherit the scheme of
     // whatever this fetcher fetched before.
     url_ = UrlParts{};
@@ -173,7 +186,7 @@ bool HttpFetcher::Download(const FetchSettings& settings, std::u16string_view ur
         nothingFetched_ = true;
         return true;
     }
-    const Job job{settings, localPath, userName, password, progress};
+    const Job job{settings, localPath, userName, password, progress, validators};
     return Fetch(job, url, 0);
 }
 
@@ -205,6 +218,12 @@ bool HttpFetcher::Request(const Job& job, int depth) {
     request.userName = withCredentials ? job.userName : std::u16string_view{};
     request.password = withCredentials ? job.password : std::u16string_view{};
     request.tolerantCertificates = job.settings.tolerantCertificates;
+    // Validators belong to the address they came from: only the first request carries them.
+    const std::string etag = depth == 0 ? Utf16ToUtf8(job.validators.etag) : std::string();
+    const std::string lastModified =
+        depth == 0 ? Utf16ToUtf8(job.validators.lastModified) : std::string();
+    request.ifNoneMatch = etag;
+    request.ifModifiedSince = lastModified;
 
     BodyWriter writer(job.settings, job.localPath, job.progress);
     const HttpResult result = session_->Get(request, writer);
@@ -215,17 +234,32 @@ bool HttpFetcher::Request(const Job& job, int depth) {
         return false;
     }
     statusCode_ = writer.head().status;
+    answer_ = writer.TakeHead();
+    if (statusCode_ == kStatusOk) {
+        entityTag_ = writer.entityTag();
+    }
+    return Answered(job, depth, !etag.empty() || !lastModified.empty());
+}
+
+bool HttpFetcher::Answered(const Job& job, int depth, bool conditional) {
     switch (statusCode_) {
     case kStatusOk:
-        entityTag_ = writer.entityTag();
         return true;
+    case kStatusNotModified:
+        // Only an answer to validators we sent can mean that the cached copy is current.
+        notModified_ = conditional;
+        return conditional;
     case kStatusNotFound:
-        errorCode_ = kStatusNotFound;
+    case kStatusGone:
+    case kStatusTooManyRequests:
+    case kStatusUnavailable:
+        errorCode_ = statusCode_;
         return false;
     case kStatusMovedPermanently:
+    case kStatusPermanentRedirect:
     case kStatusFound:
-        return FollowRedirect(job, WithoutQuotes(writer.head().Header("Location").value_or("")),
-                              depth);
+    case kStatusTemporaryRedirect:
+        return FollowRedirect(job, WithoutQuotes(answer_.Header("Location").value_or("")), depth);
     default:
         return false;
     }
@@ -239,6 +273,9 @@ bool HttpFetcher::FollowRedirect(const Job& job, std::u16string_view location, i
     if (!CrackSupportedUrl(location)) {
         return false;
     }
+    onlyPermanentRedirects_ = onlyPermanentRedirects_ && (statusCode_ == kStatusMovedPermanently ||
+                                                          statusCode_ == kStatusPermanentRedirect);
+    redirectedTo_ = std::u16string(location);
     // A redirect target is requested over HTTP whatever its scheme: the ftp and file shortcuts
     // apply to the address the caller gave, never to where the server sends us.
     return Fetch(job, location, depth + 1);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "net/HttpSession.h"
 #include "net/UrlParts.h"
 
 #include <atomic>
@@ -12,10 +13,8 @@
 
 namespace qf {
 
-class HttpSession;
-
 // Error codes of a download besides the platform's request errors (see net/HttpSession.h) and the
-// HTTP statuses 404, 301 and 302.
+// HTTP statuses it names: 404, 410, 429, 503 and a redirect status past the second redirect.
 inline constexpr int32_t kErrorUnsupportedScheme = -3;
 inline constexpr int32_t kErrorException = -2;
 
@@ -26,6 +25,12 @@ inline constexpr int32_t kProgressBlock = 1;
 inline constexpr int32_t kProgressFinished = 2;
 // The total reported when the server sent no Content-Length.
 inline constexpr int32_t kUnknownLength = -1;
+
+// The validators of a cached copy, exactly as its server sent them; empty ones are not sent.
+struct Validators {
+    std::u16string_view etag;
+    std::u16string_view lastModified;
+};
 
 using ProgressCallback = std::function<void(int32_t stage, int32_t totalBytes, int32_t bytesSoFar)>;
 
@@ -70,9 +75,12 @@ public:
     // scheme is http. ftp and file URLs succeed at once without touching anything. Credentials are
     // offered only when both are non-empty. On false, ErrorCode() says why; a 200 answer always
     // counts as success, also when the local file cannot be created or the body was cut short.
+    // `validators` go with the request to `url` itself, never to where it redirects; a 304 to
+    // them is a success that writes nothing (NotModified).
     bool Download(const FetchSettings& settings, std::u16string_view url,
                   std::u16string_view localPath, std::u16string_view userName,
-                  std::u16string_view password, const ProgressCallback& progress = {});
+                  std::u16string_view password, const ProgressCallback& progress = {},
+                  const Validators& validators = {});
 
     int32_t ErrorCode() const { return errorCode_; }
     // The last download succeeded without a request because the address given was an ftp or file
@@ -84,6 +92,14 @@ public:
     int32_t StatusCode() const { return statusCode_; }
     // The last saved answer's ETag, without its quotes.
     const std::u16string& EntityTag() const { return entityTag_; }
+    // The last download ended on a 304 to its validators: the cached copy is current.
+    bool NotModified() const { return notModified_; }
+    // The head of the last answer (the final one after redirects); empty when none came.
+    const ResponseHead& Answer() const { return answer_; }
+    // The address the last download's answer came from after redirects, empty when there were
+    // none; and whether every redirect on the way was a permanent one (301 or 308).
+    const std::u16string& RedirectedTo() const { return redirectedTo_; }
+    bool OnlyPermanentRedirects() const { return onlyPermanentRedirects_; }
     // The URL as last cracked (a redirect target replaces it).
     const UrlParts& Url() const { return url_; }
 
@@ -92,6 +108,7 @@ private:
 
     bool Fetch(const Job& job, std::u16string_view url, int depth);
     bool Request(const Job& job, int depth);
+    bool Answered(const Job& job, int depth, bool conditional);
     bool FollowRedirect(const Job& job, std::u16string_view location, int depth);
 
     std::unique_ptr<HttpSession> session_;
@@ -100,7 +117,11 @@ private:
     int32_t errorCode_ = 0;
     bool nothingFetched_ = false;
     bool stoppedBeforeAnswer_ = false;
+    bool notModified_ = false;
+    bool onlyPermanentRedirects_ = true;
     std::u16string entityTag_;
+    std::u16string redirectedTo_;
+    ResponseHead answer_;
 };
 
 } // namespace qf

@@ -49,7 +49,7 @@ public:
     explicit Exchange(ResponseReceiver& receiver) : receiver_(receiver) {}
 
     bool HeaderLine(std::string_view line);
-    bool BodyBlock(std::string_view block) { return !headComplete_ || receiver_.OnBlock(block); }
+    bool BodyBlock(std::string_view data);
     bool ShouldStop() { return receiver_.ShouldStop(); }
 
     bool headComplete() const { return headComplete_; }
@@ -92,6 +92,19 @@ bool Exchange::HeaderLine(std::string_view line) {
     if (colon != std::string_view::npos) {
         head_.headers.emplace_back(std::string(TrimSpace(line.substr(0, colon))),
                                    std::string(TrimSpace(line.substr(colon + 1))));
+    }
+    return true;
+}
+
+bool Exchange::BodyBlock(std::string_view data) {
+    if (!headComplete_) {
+        return true;
+    }
+    // A decoded body can come in larger pieces than the blocks receivers are promised.
+    for (std::size_t at = 0; at < data.size(); at += HttpSession::kBlockSize) {
+        if (!receiver_.OnBlock(data.substr(at, HttpSession::kBlockSize))) {
+            return false;
+        }
     }
     return true;
 }
@@ -274,6 +287,20 @@ std::optional<RequestTarget> TargetOf(const HttpRequest& request) {
                          std::string(bracketed ? name.substr(1, name.size() - 2) : name)};
 }
 
+// The request's own headers: the Accept header, and the validators when it has them. A value that
+// could end the header line is never sent.
+HeaderList RequestHeaders(const HttpRequest& request) {
+    curl_slist* list = curl_slist_append(nullptr, kAcceptHeader);
+    const auto add = [&list](std::string_view name, std::string_view value) {
+        if (!value.empty() && value.find_first_of("\r\n") == std::string_view::npos) {
+            list = curl_slist_append(list, (std::string(name) + ": " + std::string(value)).c_str());
+        }
+    };
+    add("If-None-Match", request.ifNoneMatch);
+    add("If-Modified-Since", request.ifModifiedSince);
+    return HeaderList(list);
+}
+
 void SetRequest(CURL* easy, const std::string& url, curl_slist* headers) {
     curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
@@ -286,6 +313,11 @@ void SetRequest(CURL* easy, const std::string& url, curl_slist* headers) {
     curl_easy_setopt(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, static_cast<long>(HttpSession::kBlockSize));
+    // libcurl decodes the body, so every limit and block counts decoded bytes.
+    curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
+    // An idle connection to the last host only: a refresh that moves on to another host leaves
+    // nothing open behind it, which the per-host limit of a refresh of all channels relies on.
+    curl_easy_setopt(easy, CURLOPT_MAXCONNECTS, 1L);
 }
 
 // A connection must be made within the time-out, and a transfer may go that long without a byte
@@ -369,7 +401,7 @@ HttpResult HttpSession::Get(const HttpRequest& request, ResponseReceiver& receiv
     // Forgets the previous request's options but keeps the open connections.
     curl_easy_reset(easy);
     Exchange exchange(receiver);
-    const HeaderList headers(curl_slist_append(nullptr, kAcceptHeader));
+    const HeaderList headers = RequestHeaders(request);
 
     // Both live until the transfer is over: libcurl keeps pointers to them.
     CertificatePolicy policy{request.tolerantCertificates, target->hostName};

@@ -64,6 +64,9 @@ struct HttpRequest {
     // Accept an expired or not-yet-valid certificate and one for another host name; an issuer
     // outside the trust store is refused all the same.
     bool tolerantCertificates = false;
+    // Sent as If-None-Match and If-Modified-Since, byte for byte, when not empty.
+    std::string_view ifNoneMatch;
+    std::string_view ifModifiedSince;
 };
 
 struct HttpResult {
@@ -74,7 +77,9 @@ struct HttpResult {
 };
 
 // Sends GET requests one after the other over one reused libcurl handle, so that keep-alive
-// connections carry over from one request to the next. Redirects are never followed here.
+// connections carry over from one request to the next. Redirects are never followed here. Every
+// request asks for a gzip or deflate body, and receivers get it decoded, in blocks of at most
+// kBlockSize bytes. The handle keeps at most one idle connection: the one of its last request.
 class HttpSession {
 public:
     // The largest body block handed to a receiver.

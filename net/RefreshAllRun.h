@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace qf {
@@ -18,6 +19,8 @@ class RefreshObserver;
 // overlap, but the channels are begun and their results handed to the model's owner strictly one
 // after the other in visiting order, so the user sees them updated in that order. A stop request
 // ends the run before the next channel; downloads already ahead of it are dropped unseen.
+// No host has more than two connections of the run at a time, idle kept-alive ones included:
+// the downloads ahead go to other hosts first.
 class RefreshAllRun {
 public:
     // `store` and `observer` are only used in the work handed to the owner.
@@ -29,8 +32,10 @@ public:
 
 private:
     bool StopRequested() const;
-    void Download();
-    std::optional<std::size_t> TakeNextJob();
+    void Download(std::size_t downloader);
+    std::optional<std::size_t> TakeNextJob(std::size_t downloader, HttpFetcher& fetcher);
+    std::optional<std::size_t> ChooseJob(std::size_t downloader) const;
+    void SkipTakenJobs();
     ChannelResult AwaitResult(std::size_t index, HttpFetcher& ownFetcher);
     void Advance(std::size_t begun);
     void HandOverBegin(std::size_t index);
@@ -43,6 +48,8 @@ private:
         int32_t id = 0;
         // Channels without an address are visited without being touched.
         bool hasAddress = false;
+        // Where its feed is downloaded from (see HostKey).
+        std::u16string host;
     };
 
     std::vector<ChannelJob> jobs_;
@@ -55,7 +62,11 @@ private:
     std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<std::optional<ChannelResult>> results_;
+    // Which jobs a thread has taken, and the first one not taken yet.
+    std::vector<bool> taken_;
     std::size_t nextJob_ = 0;
+    // The host each downloader may hold a connection to (empty: none).
+    std::vector<std::u16string> held_;
     // How many channels the run has begun so far.
     std::size_t begun_ = 0;
     bool quit_ = false;

@@ -155,8 +155,12 @@ bool RefreshEngine::StartRefreshAll(bool refreshAll) {
     store_.refresh().ClearStopAndAbort();
     SaveAll(store_);
     std::vector<ChannelJob> jobs;
+    const FeedDate now = FeedDate::NowUtc();
     for (Channel* channel : VisitOrder(store_)) {
-        if (refreshAll || IsChannelDue(store_, *channel)) {
+        // Every channel is asked, but not one whose server asked to be left alone.
+        const bool visit =
+            refreshAll ? !channel->server().KeepsAway(now) : IsChannelDue(store_, *channel);
+        if (visit) {
             jobs.push_back(MakeChannelJob(store_, *channel, 0));
         }
     }

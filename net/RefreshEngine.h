@@ -59,8 +59,10 @@ public:
 
     // Saves the store and read states, sets busy and starts the worker that visits the channels
     // in the order of the channels screen's rows, then every other channel in store order;
-    // `refreshAll` false visits only the due ones. The worker clears busy and stopRequested when
-    // it ends. False, with busy cleared, when no worker could be started or one still runs.
+    // `refreshAll` false visits only the due ones. Either way a channel whose server said it is
+    // gone, or asked for a pause not yet over, is left out. The worker clears busy and
+    // stopRequested when it ends. False, with busy cleared, when no worker could be started or one
+    // still runs.
     bool StartRefreshAll(bool refreshAll);
 
     // The periodic check: starts a refresh of the due channels when automatic updating is on,

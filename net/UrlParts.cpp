@@ -65,4 +65,19 @@ bool CrackUrl(std::u16string_view url, UrlParts& parts) {
     return true;
 }
 
+std::u16string HostKey(std::u16string_view url) {
+    UrlParts parts;
+    CrackUrl(url, parts);
+    std::u16string host = parts.host;
+    const auto colon = host.rfind(u':');
+    if (colon != std::u16string::npos &&
+        host.find_first_not_of(u"0123456789", colon + 1) == std::u16string::npos) {
+        host.erase(colon);
+    }
+    for (char16_t& c : host) {
+        c = FoldCase(c);
+    }
+    return host;
+}
+
 } // namespace qf

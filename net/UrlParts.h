@@ -27,6 +27,10 @@ struct UrlParts {
 // anywhere in the URL, path included, so a colon in the path yields port 0 (the scheme's default).
 bool CrackUrl(std::u16string_view url, UrlParts& parts);
 
+// The host `url` names, without a ":port" and with letter case folded: what the connections to
+// one server have in common, whatever the port.
+std::u16string HostKey(std::u16string_view url);
+
 // The scheme's own port: 80, 443, 21, or 0 for file and unknown codes.
 uint16_t DefaultPort(uint32_t scheme);
 

@@ -63,6 +63,11 @@ constexpr std::u16string_view kMatchCount = u"matchCount";
 constexpr std::u16string_view kUpdateTime = u"updateTime";
 constexpr std::u16string_view kHasErrors = u"qf_hasErrors";
 constexpr std::u16string_view kErrorText = u"qf_errorText";
+constexpr std::u16string_view kEtag = u"qf_etag";
+constexpr std::u16string_view kLastModified = u"qf_lastModified";
+constexpr std::u16string_view kNotBefore = u"qf_notBefore";
+constexpr std::u16string_view kFreshUntil = u"qf_freshUntil";
+constexpr std::u16string_view kGone = u"qf_gone";
 
 std::u16string_view YesNo(int32_t value) {
     return value != 0 ? kYes : kNo;
@@ -135,7 +140,26 @@ private:
         writer_.Attribute(kUpdateTime, std::u16string_view(channel.updateTime().FormatRfc822()));
         writer_.Attribute(kHasErrors, YesNo(channel.hasErrors()));
         writer_.Attribute(kErrorText, channel.errorText());
+        WriteServerState(channel.server());
         writer_.EndElement();
+    }
+
+    // Only what the server said is written, so a store from before these existed saves as it was.
+    void WriteServerState(const ServerState& server) {
+        writer_.Attribute(kEtag, server.etag);
+        writer_.Attribute(kLastModified, server.lastModified);
+        WriteDate(kNotBefore, server.notBefore);
+        WriteDate(kFreshUntil, server.freshUntil);
+        if (server.gone) {
+            writer_.Attribute(kGone, kYes);
+        }
+    }
+
+    void WriteDate(std::u16string_view name, const FeedDate& date) {
+        const std::u16string text = date.FormatRfc822();
+        if (!text.empty()) {
+            writer_.Attribute(name, std::u16string_view(text));
+        }
     }
 
     XmlWriter writer_;
@@ -276,17 +300,30 @@ private:
         ReadNumber(outline, kItemCount, [&c](int32_t v) { c.SetItemCount(v); });
         ReadNumber(outline, kNewItemCount, [&c](int32_t v) { c.SetNewItemCount(v); });
         ReadNumber(outline, kMatchCount, [&c](int32_t v) { c.SetMatchCount(v); });
-        if (const auto value = Attribute(outline, kUpdateTime)) {
-            FeedDate date;
-            date.Parse(*value);
-            c.SetUpdateTime(date);
-        }
+        FeedDate updateTime;
+        ReadDate(outline, kUpdateTime, updateTime);
+        c.SetUpdateTime(updateTime);
         ReadYes(outline, kHasErrors, [&c](int32_t v) {
             c.SetHasErrors(v);
             c.SetState(v != 0 ? kChannelFailed : kChannelIdle);
         });
         ReadText(outline, kErrorText, [&c](const WString& v) { c.SetErrorText(v, false); });
+        ReadServerState(outline, c.server());
         return channel;
+    }
+
+    static void ReadServerState(XmlNode outline, ServerState& server) {
+        ReadText(outline, kEtag, [&server](const WString& v) { server.etag = v; });
+        ReadText(outline, kLastModified, [&server](const WString& v) { server.lastModified = v; });
+        ReadDate(outline, kNotBefore, server.notBefore);
+        ReadDate(outline, kFreshUntil, server.freshUntil);
+        ReadYes(outline, kGone, [&server](int32_t v) { server.gone = v != 0; });
+    }
+
+    static void ReadDate(XmlNode element, std::u16string_view name, FeedDate& date) {
+        if (const auto value = Attribute(element, name)) {
+            date.Parse(*value);
+        }
     }
 
     template <typename Set>

@@ -51,7 +51,7 @@ protected:
 
 TEST_F(RefreshCommandTest, ImportFollowedByRefreshAllFillsEveryChannel) {
     Subscribe({{"Alpha", "/alpha"}, {"Beta", "/beta"}, {"Gamma", "/gamma"}});
-    server.addRoute({.path = "/alpha", .body = Rss("Alpha", 2)});
+    server.addRoute({.path = "/alpha", .body = Rss("Alpha", 2), .headers = {{"ETag", "\"a1\""}}});
     server.addRoute({.path = "/beta", .body = Rss("Beta", 3)});
     server.addRoute({.path = "/gamma", .body = Rss("Gamma", 4)});
 
@@ -69,8 +69,19 @@ TEST_F(RefreshCommandTest, ImportFollowedByRefreshAllFillsEveryChannel) {
         EXPECT_EQ(channels[i]["itemCount"], 2 + i);
         EXPECT_EQ(channels[i]["state"], 0);
         EXPECT_TRUE(std::filesystem::exists(CachedFeed(i + 1)));
+        EXPECT_EQ(channels[i]["etag"], i == 0 ? "\"a1\"" : "");
+        EXPECT_EQ(channels[i]["lastModified"], "");
+        EXPECT_EQ(channels[i]["notBefore"], "");
+        EXPECT_EQ(channels[i]["freshUntil"], "");
+        EXPECT_EQ(channels[i]["gone"], false);
     }
     EXPECT_NE(list["updateDate"], "");
+
+    // The second time Alpha's server says that nothing changed.
+    const auto again = nlohmann::json::parse(Cli({"refresh", "--json", "1", "2"}).out);
+    EXPECT_EQ(again["channels"][0]["notModified"], true);
+    EXPECT_EQ(again["channels"][0]["itemCount"], 2);
+    EXPECT_EQ(again["channels"][1]["notModified"], false);
 }
 
 TEST_F(RefreshCommandTest, ChosenChannelsReportEachOutcomeAndFailuresExitWithOne) {

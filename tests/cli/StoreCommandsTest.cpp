@@ -45,7 +45,7 @@ TEST_F(StoreCommandsTest, AddedChannelsAreListedAsTextAndJson) {
     EXPECT_FALSE(channel.contains("password"));
     EXPECT_EQ(channel["updateValue"], 1);
     EXPECT_EQ(channel["updateTime"], "");
-    EXPECT_EQ(channel.size(), 18u);
+    EXPECT_EQ(channel.size(), 23u);
 }
 
 TEST_F(StoreCommandsTest, ExportedOpmlImportsIntoAnotherHome) {

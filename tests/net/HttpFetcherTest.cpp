@@ -97,12 +97,21 @@ TEST_F(HttpFetcherTest, SavesTheBodyInBlocksIntoANewFolderAndReportsEachStage) {
             EXPECT_LE(stages[i][2] - stages[i - 1][2], 10240);
         }
     }
+
+    // A compressed body is asked for, then saved and counted decoded.
+    server->addRoute({.path = "/gzipped", .body = Pattern(25000), .gzip = true});
+    stages.clear();
+    ASSERT_TRUE(Download(server->url("/gzipped")));
+    EXPECT_EQ(test::ReadFileBytes(file), Pattern(25000));
+    EXPECT_EQ(stages.back()[2], 25000);
+    ASSERT_GE(stages.size(), 5u);
+    EXPECT_NE(server->requestHead("/gzipped").find("\r\nAccept-Encoding: gzip, deflate\r\n"),
+              std::string::npos);
 }
 
 // Only a leading and a trailing quote of the entity tag go.
 TEST_F(HttpFetcherTest, RequestNamesTheProductAndTheEntityTagLosesItsQuotes) {
     server->addRoute({.path = "/strong", .headers = {{"ETag", "\"v1-abc\""}}});
-    server->addRoute({.path = "/weak", .headers = {{"ETag", "W/\"v2\""}}});
     ASSERT_TRUE(Download(server->url("/strong")));
     EXPECT_EQ(fetcher.EntityTag(), u"v1-abc");
     const std::string head = server->requestHead("/strong");
@@ -110,8 +119,6 @@ TEST_F(HttpFetcherTest, RequestNamesTheProductAndTheEntityTagLosesItsQuotes) {
     EXPECT_NE(head.find("\r\nUser-Agent: Quillfeed/2.0.2\r\n"), std::string::npos) << head;
     EXPECT_NE(head.find("\r\nAccept: */* \r\n"), std::string::npos) << head;
     EXPECT_EQ(head.find("Authorization"), std::string::npos) << head;
-    ASSERT_TRUE(Download(server->url("/weak")));
-    EXPECT_EQ(fetcher.EntityTag(), u"W/\"v2");
 }
 
 // The session keeps its connection across redirects and downloads; a new session opens another.
@@ -136,6 +143,19 @@ TEST_F(HttpFetcherTest, TwoRedirectsAreFollowedOverOneConnectionButTheThirdFails
     EXPECT_EQ(server->hits("/found"), 2);
     EXPECT_EQ(server->hits("/feed.xml"), 2);
     EXPECT_FALSE(std::filesystem::exists(file));
+
+    // 307 and 308 are followed too; only a chain of permanent redirects says the feed moved.
+    Redirect("/permanent", 308, server->url("/moved-for-good"));
+    Redirect("/moved-for-good", 301, server->url("/feed.xml"));
+    Redirect("/temporary", 307, server->url("/permanent"));
+    ASSERT_TRUE(Download(server->url("/permanent")));
+    EXPECT_EQ(fetcher.RedirectedTo(), server->url("/feed.xml"));
+    EXPECT_TRUE(fetcher.OnlyPermanentRedirects());
+    EXPECT_FALSE(Download(server->url("/temporary")));
+    EXPECT_EQ(fetcher.ErrorCode(), 301);
+    Redirect("/temporary", 307, server->url("/moved-for-good"));
+    ASSERT_TRUE(Download(server->url("/temporary")));
+    EXPECT_FALSE(fetcher.OnlyPermanentRedirects());
 }
 
 // A missing scheme means http whatever the fetcher fetched before, a quoted Location loses its
@@ -176,6 +196,40 @@ TEST_F(HttpFetcherTest, FileAndFtpAddressesSucceedWithoutAnyRequest) {
     }
     EXPECT_FALSE(std::filesystem::exists(file.parent_path()));
     EXPECT_EQ(server->connections(), 0);
+}
+
+TEST_F(HttpFetcherTest, EntityTagLosesItsQuotesButValidatorsGoBackByteForByte) {
+    const std::string etag = "W/\"v2 x\"";
+    const std::string modified = "Fri, 15 Mar 2024 08:00:00 GMT";
+    server->addRoute({.path = "/weak",
+                      .body = "<rss/>",
+                      .headers = {{"ETag", etag}, {"Last-Modified", modified}}});
+    Redirect("/to-weak", 302, server->url("/weak"));
+
+    // Only a leading and a trailing quote go.
+    ASSERT_TRUE(Download(server->url("/weak")));
+    EXPECT_EQ(fetcher.EntityTag(), u"W/\"v2 x");
+    EXPECT_EQ(fetcher.Answer().Header("ETag"), etag);
+    EXPECT_EQ(server->requestHead("/weak").find("If-"), std::string::npos);
+
+    test::WriteFileBytes(file, "cached");
+    const std::u16string sentTag = Utf8ToUtf16(etag);
+    const std::u16string sentDate = Utf8ToUtf16(modified);
+    ASSERT_TRUE(fetcher.Download(settings, server->url("/weak"), FromFsPath(file), u"", u"", {},
+                                 {sentTag, sentDate}));
+    EXPECT_TRUE(fetcher.NotModified());
+    EXPECT_EQ(fetcher.StatusCode(), 304);
+    EXPECT_EQ(test::ReadFileBytes(file), "cached");
+    const std::string head = server->requestHead("/weak");
+    EXPECT_NE(head.find("\r\nIf-None-Match: " + etag + "\r\n"), std::string::npos) << head;
+    EXPECT_NE(head.find("\r\nIf-Modified-Since: " + modified + "\r\n"), std::string::npos);
+
+    // Validators belong to the address asked for, never to where it redirects.
+    ASSERT_TRUE(fetcher.Download(settings, server->url("/to-weak"), FromFsPath(file), u"", u"", {},
+                                 {sentTag, sentDate}));
+    EXPECT_FALSE(fetcher.NotModified());
+    EXPECT_EQ(test::ReadFileBytes(file), "<rss/>");
+    EXPECT_EQ(server->requestHead("/weak").find("If-"), std::string::npos);
 }
 
 TEST_F(HttpFetcherTest, CredentialsAreOfferedOnlyWhenBothAreGiven) {
@@ -242,7 +296,7 @@ TEST_F(HttpFetcherTest, StopBeforeTheAnswerEndsTheRequestAtOnce) {
     EXPECT_FALSE(fetcher.StoppedBeforeAnswer());
 }
 
-// 404 is the one status that is its own error code. A download without a session fails without
+// 404, 410, 429 and 503 are their own error codes. A download without a session fails without
 // a code; a closed port, a silent server and a failure raised while the body comes in each give
 // their own.
 TEST_F(HttpFetcherTest, FailuresGiveTheirOwnErrorCodes) {
@@ -255,6 +309,16 @@ TEST_F(HttpFetcherTest, FailuresGiveTheirOwnErrorCodes) {
     EXPECT_FALSE(Download(server->url("/broken.xml")));
     EXPECT_EQ(fetcher.ErrorCode(), 0);
     EXPECT_EQ(fetcher.StatusCode(), 500);
+    // A server that asks to be left alone is told apart from one that is broken.
+    for (const int status : {410, 429, 503}) {
+        server->addRoute({.path = "/refused", .status = status, .body = "go away"});
+        EXPECT_FALSE(Download(server->url("/refused")));
+        EXPECT_EQ(fetcher.ErrorCode(), status);
+    }
+    // "Not modified" to a request without validators cannot mean the cached copy.
+    server->addRoute({.path = "/unasked", .status = 304});
+    EXPECT_FALSE(Download(server->url("/unasked")));
+    EXPECT_FALSE(fetcher.NotModified());
 
     HttpFetcher unopened;
     EXPECT_FALSE(unopened.Download(settings, server->url("/feed.xml"), FromFsPath(file), u"", u""));

@@ -83,6 +83,17 @@ protected:
     void Serve(const std::string& path, const std::string& body, int status = 200) {
         server.addRoute({.path = path, .status = status, .body = body});
     }
+    void Redirect(const std::string& path, int status, const std::string& target) {
+        server.addRoute({.path = path,
+                         .status = status,
+                         .headers = {{"Location", Utf16ToUtf8(server.url(target))}}});
+    }
+    // Now, `seconds` later.
+    static FeedDate In(int64_t seconds) {
+        FeedDate date = FeedDate::NowUtc();
+        date.AddSeconds(seconds);
+        return date;
+    }
     std::filesystem::path CachedFeed(const Channel& channel) const {
         return home / "QFChannelsData" / ("Channel" + std::to_string(channel.id()) + ".xml");
     }
@@ -296,6 +307,167 @@ TEST_F(RefreshEngineTest, DueChannelsFollowTheirIntervalStrictly) {
     clock.set({2024, 3, 5, 15, 11, 30, 0, 0});
     RefreshAll(false);
     EXPECT_EQ(store.updateDate(), firstRun);
+}
+
+TEST_F(RefreshEngineTest, UnchangedFeedCostsNoBodyAndKeepsStoriesAndReadStates) {
+    Channel& channel = AddChannel("News", "/feed");
+    const std::string etag = "W/\"7 b\"";
+    const std::string modified = "Fri, 15 Mar 2024 08:00:00 GMT";
+    server.addRoute({.path = "/feed",
+                     .body = Rss(2),
+                     .headers = {{"ETag", etag}, {"Last-Modified", modified}}});
+    ASSERT_TRUE(engine.UpdateChannel(channel, 0));
+    EXPECT_EQ(channel.server().etag, Utf8ToUtf16(etag));
+    EXPECT_EQ(channel.server().lastModified, Utf8ToUtf16(modified));
+    EXPECT_EQ(server.requestHead("/feed").find("If-"), std::string::npos);
+    const std::string cached = test::ReadFileBytes(CachedFeed(channel));
+    NewsItem* first = channel.ItemAt(0);
+    first->SetRead(1);
+    channel.SetNewItemCount(1);
+    channel.SetHasErrors(1);
+    clock.set(In(60).time());
+
+    ASSERT_TRUE(engine.UpdateChannel(channel, 0));
+    const std::string head = server.requestHead("/feed");
+    EXPECT_NE(head.find("\r\nIf-None-Match: " + etag + "\r\n"), std::string::npos) << head;
+    EXPECT_NE(head.find("\r\nIf-Modified-Since: " + modified + "\r\n"), std::string::npos);
+    EXPECT_TRUE(channel.server().notModified);
+    EXPECT_EQ(channel.ItemAt(0), first);
+    EXPECT_TRUE(first->isRead());
+    EXPECT_EQ(channel.itemCount(), 2);
+    EXPECT_EQ(channel.newItemCount(), 1);
+    EXPECT_EQ(channel.hasErrors(), 0);
+    EXPECT_EQ(channel.state(), kChannelIdle);
+    EXPECT_EQ(channel.updateTime(), FeedDate::NowUtc());
+    EXPECT_EQ(test::ReadFileBytes(CachedFeed(channel)), cached);
+
+    // Without its cached feed the channel asks for the whole feed again.
+    std::filesystem::remove(CachedFeed(channel));
+    ASSERT_TRUE(engine.UpdateChannel(channel, 0));
+    EXPECT_FALSE(channel.server().notModified);
+    EXPECT_EQ(server.requestHead("/feed").find("If-"), std::string::npos);
+    EXPECT_EQ(test::ReadFileBytes(CachedFeed(channel)), cached);
+}
+
+TEST_F(RefreshEngineTest, ServerPausesAndFreshnessHoldBackOnlyAutomaticRefreshes) {
+    store.SetUpdateValue(1);
+    store.SetUpdateUnit(kUnitMinutes);
+    Channel& seconds = AddChannel("News", "/seconds");
+    Channel& date = AddChannel("News", "/date");
+    Channel& capped = AddChannel("News", "/capped");
+    Channel& plain = AddChannel("News", "/plain");
+    Channel& maxAge = AddChannel("News", "/max-age");
+    Channel& expires = AddChannel("News", "/expires");
+    server.addRoute({.path = "/seconds", .status = 429, .headers = {{"Retry-After", "120"}}});
+    server.addRoute({.path = "/date",
+                     .status = 503,
+                     .headers = {{"Retry-After", "Fri, 15 Mar 2024 12:30:00 GMT"}}});
+    server.addRoute({.path = "/capped", .status = 429, .headers = {{"Retry-After", "999999"}}});
+    Serve("/plain", "", 429);
+    server.addRoute({.path = "/max-age",
+                     .body = Rss(1),
+                     .headers = {{"Cache-Control", "public, max-age=600"}, {"Age", "100"}}});
+    server.addRoute({.path = "/expires",
+                     .body = Rss(1),
+                     .headers = {{"Expires", "Sun, 17 Mar 2024 10:30:00 GMT"}}});
+
+    RefreshAll(true);
+    EXPECT_EQ(seconds.server().notBefore, In(120));
+    EXPECT_EQ(seconds.errorText(), Stamped(u"Failed to download the channel; Error code: 429"));
+    EXPECT_EQ(date.server().notBefore, In(7200));
+    EXPECT_EQ(date.errorText(), Stamped(u"Failed to download the channel; Error code: 503"));
+    EXPECT_EQ(capped.server().notBefore, In(48 * 3600));
+    EXPECT_EQ(plain.server().notBefore, In(3600));
+    EXPECT_FALSE(maxAge.server().notBefore.valid());
+    EXPECT_EQ(maxAge.server().freshUntil, In(500));
+    EXPECT_EQ(expires.server().freshUntil, In(24 * 3600));
+
+    // Refreshing all channels leaves the paused ones alone, but not the fresh ones.
+    RefreshAll(true);
+    EXPECT_EQ(server.hits("/seconds"), 1);
+    EXPECT_EQ(server.hits("/max-age"), 2);
+    // Due ones wait for their freshness as well.
+    clock.set(In(121).time());
+    RefreshAll(false);
+    EXPECT_EQ(server.hits("/seconds"), 2);
+    EXPECT_EQ(server.hits("/date"), 1);
+    EXPECT_EQ(server.hits("/max-age"), 2);
+    clock.set(In(49 * 3600).time());
+    RefreshAll(false);
+    for (const char* path : {"/date", "/capped", "/plain", "/max-age", "/expires"}) {
+        const bool fresh = std::string(path) == "/max-age" || std::string(path) == "/expires";
+        EXPECT_EQ(server.hits(path), fresh ? 3 : 2) << path;
+    }
+}
+
+TEST_F(RefreshEngineTest, OnlyPermanentRedirectsToAFeedMoveTheChannel) {
+    Channel& moved = AddChannel("News", "/old");
+    Channel& found = AddChannel("News", "/found");
+    Channel& temporary = AddChannel("News", "/temporary");
+    Channel& portal = AddChannel("News", "/portal");
+    Serve("/old", Rss(2));
+    ASSERT_TRUE(engine.UpdateChannel(moved, 0));
+    moved.ItemAt(0)->SetRead(1);
+    Redirect("/old", 301, "/middle");
+    Redirect("/middle", 308, "/new");
+    Serve("/new", Rss(3));
+    Redirect("/found", 302, "/new");
+    Redirect("/temporary", 307, "/new");
+    Redirect("/portal", 301, "/login");
+    Serve("/login", "<html><body>Sign in</body></html>");
+
+    RefreshAll(true);
+    EXPECT_EQ(moved.xmlUrl(), server.url("/new"));
+    EXPECT_EQ(moved.itemCount(), 3);
+    EXPECT_TRUE(moved.ItemAt(0)->isRead());
+    EXPECT_EQ(moved.cacheFile(), u"Channel1.xml");
+    EXPECT_EQ(found.xmlUrl(), server.url("/found"));
+    EXPECT_EQ(found.itemCount(), 3);
+    EXPECT_EQ(temporary.xmlUrl(), server.url("/temporary"));
+    EXPECT_EQ(portal.xmlUrl(), server.url("/portal"));
+    EXPECT_EQ(portal.state(), kChannelFailed);
+}
+
+TEST_F(RefreshEngineTest, GoneFeedIsLeftAloneUntilAskedForOrReaddressed) {
+    Channel& channel = AddChannel("News", "/gone");
+    Serve("/gone", "", 410);
+    EXPECT_FALSE(engine.UpdateChannel(channel, 0));
+    EXPECT_TRUE(channel.server().gone);
+    EXPECT_EQ(channel.errorText(), Stamped(u"Failed to download the channel; Error code: 410"));
+    RefreshAll(true);
+    clock.set(In(7 * 24 * 3600).time());
+    RefreshAll(false);
+    EXPECT_EQ(server.hits("/gone"), 1);
+
+    // Asked for by name it is still asked, and a feed there again ends the state.
+    Serve("/gone", Rss(1));
+    ASSERT_TRUE(engine.UpdateChannel(channel, 0));
+    EXPECT_FALSE(channel.server().gone);
+    Serve("/gone", "", 410);
+    EXPECT_FALSE(engine.UpdateChannel(channel, 0));
+    channel.SetXmlUrl(WString(server.url("/gone")));
+    EXPECT_TRUE(channel.server().gone);
+    channel.SetXmlUrl(WString(server.url("/elsewhere")));
+    EXPECT_FALSE(channel.server().gone);
+}
+
+// Every answer takes a while, so that downloads overlap.
+TEST_F(RefreshEngineTest, RefreshAllKeepsAtMostTwoConnectionsToOneHost) {
+    server.listen("127.0.0.2");
+    std::vector<int32_t> order;
+    for (int i = 0; i < 8; ++i) {
+        const std::string path = "/feed" + std::to_string(i);
+        server.addRoute({.path = path, .body = Rss(1), .delay = 0.2});
+        Channel& channel = AddChannel("News", path);
+        channel.SetXmlUrl(WString(i < 6 ? server.url(path) : server.url(path, "127.0.0.2")));
+        order.push_back(channel.id());
+    }
+
+    RefreshAll(true);
+    EXPECT_EQ(observer.begun, order);
+    EXPECT_EQ(observer.ended, order);
+    EXPECT_EQ(server.peakConnections("127.0.0.1"), 2); // both used, never more
+    EXPECT_LE(server.peakConnections("127.0.0.2"), 2);
 }
 
 // Several workers at once while the owner thread keeps reading, marking and sorting stories;

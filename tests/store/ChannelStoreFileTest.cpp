@@ -28,8 +28,8 @@ Channel& AddChannel(Category& category, std::u16string_view url, int32_t id) {
     return *category.AddChannel(std::move(channel));
 }
 
-// A store with every option set away from its default, a channel with every field set and a
-// channel with nothing but its address and id.
+// A store with every option set away from its default, a channel with every field set (what
+// its server said included) and a channel with nothing but its address and id.
 void FillStore(ChannelStore& store) {
     store.SetCategoryId(1);
     store.SetNextId(12);
@@ -55,6 +55,11 @@ void FillStore(ChannelStore& store) {
     full.SetUpdateTime(Date(2008, 1, 2, 3, 4, 5));
     full.SetHasErrors(1);
     full.SetErrorText(WString(u"Failed to parse the channel@1/2/08 3:04 AM"), false);
+    full.server().etag = WString(u"W/\"a b\"");
+    full.server().lastModified = WString(u"Tue, 01 Jan 2008 00:00:00 GMT");
+    full.server().notBefore = Date(2008, 1, 3, 4, 5, 6);
+    full.server().freshUntil = Date(2008, 1, 2, 4, 4, 5);
+    full.server().gone = true;
     AddChannel(news, u"http://b.example/", 11);
 }
 
@@ -84,7 +89,10 @@ TEST_F(ChannelStoreFileTest, SavedFileListsEverythingInAFixedOrderAndReloadsToTh
         "xmlUrl=\"http://a.example/rss?x=1&amp;y=2\" userName=\"anna\" password=\"\" "
         "updateValue=\"2\" updateUnit=\"2\" itemCount=\"20\" newItemCount=\"3\" matchCount=\"4\" "
         "updateTime=\"Wed, 2 Jan 2008 03:04:05 GMT\" qf_hasErrors=\"yes\" "
-        "qf_errorText=\"Failed to parse the channel@1/2/08 3:04 AM\"/>"
+        "qf_errorText=\"Failed to parse the channel@1/2/08 3:04 AM\" qf_etag=\"W/&quot;a b&quot;\" "
+        "qf_lastModified=\"Tue, 01 Jan 2008 00:00:00 GMT\" "
+        "qf_notBefore=\"Thu, 3 Jan 2008 04:05:06 GMT\" "
+        "qf_freshUntil=\"Wed, 2 Jan 2008 04:04:05 GMT\" qf_gone=\"yes\"/>"
         "<outline ID=\"11\" xmlUrl=\"http://b.example/\" updateValue=\"-1\" updateUnit=\"-1\" "
         "itemCount=\"0\" newItemCount=\"0\" matchCount=\"0\" updateTime=\"\" qf_hasErrors=\"no\"/>"
         "</outline></body></opml>\n");
@@ -100,6 +108,9 @@ TEST_F(ChannelStoreFileTest, SavedFileListsEverythingInAFixedOrderAndReloadsToTh
     EXPECT_EQ(full.codePage(), 1251);
     EXPECT_EQ(full.state(), kChannelFailed);
     EXPECT_TRUE(reloaded.categories()[0]->channels()[1]->password().isNull());
+    EXPECT_EQ(full.server().etag, u"W/\"a b\"");
+    EXPECT_TRUE(full.server().gone);
+    EXPECT_FALSE(reloaded.categories()[0]->channels()[1]->server().notBefore.valid());
     ASSERT_TRUE(SaveStore(reloaded, StorePath()));
     EXPECT_EQ(test::ReadFileBytes(dir / "QFChannels.opml"), expected);
 }

@@ -131,6 +131,7 @@ void TestServer::addRoute(const Route& route) {
     if (!route.basicAuth.empty()) {
         line += " auth=" + Hex(route.basicAuth);
     }
+    line += " gzip=" + Hex(route.gzip ? "1" : "0") + " delay=" + Hex(std::to_string(route.delay));
     command(line);
 }
 
@@ -151,9 +152,19 @@ std::string TestServer::requestHead(const std::string& path) {
     return FromHex(command("request path=" + Hex(path)));
 }
 
+void TestServer::listen(const std::string& address) {
+    ports_[address] = static_cast<uint16_t>(std::stoi(command("listen address=" + Hex(address))));
+}
+
+int TestServer::peakConnections(const std::string& address) {
+    return std::stoi(command("peak address=" + Hex(address)));
+}
+
 std::u16string TestServer::url(const std::string& path, const std::string& listener) const {
-    const std::string scheme = listener == "http" ? "http://" : "https://";
-    return Utf8ToUtf16(scheme + "127.0.0.1:" + std::to_string(port(listener)) + path);
+    const bool plain = listener == "http" || listener.starts_with("127.");
+    const std::string host = listener.starts_with("127.") ? listener : "127.0.0.1";
+    return Utf8ToUtf16((plain ? "http://" : "https://") + host + ":" +
+                       std::to_string(port(listener)) + path);
 }
 
 uint16_t ClosedPort() {

@@ -26,6 +26,10 @@ struct Route {
     Body mode = Body::Fixed;
     // "user:password" that the request must carry as Basic credentials; empty: none needed.
     std::string basicAuth{};
+    // Compress the body when the request asks for gzip.
+    bool gzip = false;
+    // Seconds to wait before answering.
+    double delay = 0;
 };
 
 // An HTTPS listener's name and the certificate it shows.
@@ -52,8 +56,14 @@ public:
     // The raw head (request line and headers) of the last request to `path`.
     std::string requestHead(const std::string& path);
 
+    // Starts another plain listener on `address` (127.0.0.x), which then names it.
+    void listen(const std::string& address);
+    // The most connections `address` had open at the same time.
+    int peakConnections(const std::string& address);
+
     uint16_t port(const std::string& listener = "http") const { return ports_.at(listener); }
-    // "http://127.0.0.1:PORT/path", or https for an HTTPS listener.
+    // "http://127.0.0.1:PORT/path", or https for an HTTPS listener; a listener named by its
+    // address is reached there.
     std::u16string url(const std::string& path, const std::string& listener = "http") const;
 
 private:
