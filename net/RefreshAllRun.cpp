@@ -43,7 +43,7 @@ void RefreshAllRun::SkipTakenJobs() {
 }
 
 bool RefreshAllRun::StopRequested() const {
-    return settings_.stopRequested != nullptr && settings_.stopRequested->load() != 0;
+    return settings_.stopRequested != nullptr && settings_.stopRequested->load();
 }
 
 bool RefreshAllRun::Run() {
