@@ -1,5 +1,6 @@
 #include "net/HttpSession.h"
 
+#include "net/UrlParts.h"
 #include "platform/Text.h"
 #include "platform/Version.h"
 
@@ -235,17 +236,6 @@ bool IsUsableHostName(std::string_view name) {
     });
 }
 
-// The host name without the ":port" that the fetcher keeps on it; the port field decides.
-std::string_view WithoutPortSuffix(std::string_view host) {
-    const auto colon = host.rfind(':');
-    if (colon == std::string_view::npos || colon + 1 == host.size()) {
-        return host;
-    }
-    const bool digits =
-        host.substr(colon + 1).find_first_not_of("0123456789") == std::string_view::npos;
-    return digits ? host.substr(0, colon) : host;
-}
-
 // Escapes what cannot stand in a request line (spaces, control characters, non-ASCII bytes).
 std::string EscapedTarget(std::string_view path) {
     constexpr char kHex[] = "0123456789ABCDEF";
@@ -271,8 +261,7 @@ struct RequestTarget {
 // The URL handed to libcurl and the name the certificate must bear; nothing when the host text
 // cannot name a host.
 std::optional<RequestTarget> TargetOf(const HttpRequest& request) {
-    const std::string host = Utf16ToUtf8(request.host);
-    const std::string_view name = WithoutPortSuffix(host);
+    const std::string name = Utf16ToUtf8(HostWithoutPort(request.host));
     if (!IsUsableHostName(name)) {
         return std::nullopt;
     }

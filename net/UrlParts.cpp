@@ -65,15 +65,20 @@ bool CrackUrl(std::u16string_view url, UrlParts& parts) {
     return true;
 }
 
+std::u16string_view HostWithoutPort(std::u16string_view host) {
+    const auto colon = host.rfind(u':');
+    if (colon == std::u16string_view::npos || colon + 1 == host.size()) {
+        return host;
+    }
+    const bool digits =
+        host.find_first_not_of(u"0123456789", colon + 1) == std::u16string_view::npos;
+    return digits ? host.substr(0, colon) : host;
+}
+
 std::u16string HostKey(std::u16string_view url) {
     UrlParts parts;
     CrackUrl(url, parts);
-    std::u16string host = parts.host;
-    const auto colon = host.rfind(u':');
-    if (colon != std::u16string::npos &&
-        host.find_first_not_of(u"0123456789", colon + 1) == std::u16string::npos) {
-        host.erase(colon);
-    }
+    std::u16string host(HostWithoutPort(parts.host));
     for (char16_t& c : host) {
         c = FoldCase(c);
     }

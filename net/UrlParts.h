@@ -27,6 +27,10 @@ struct UrlParts {
 // anywhere in the URL, path included, so a colon in the path yields port 0 (the scheme's default).
 bool CrackUrl(std::u16string_view url, UrlParts& parts);
 
+// The host name without the ":port" that CrackUrl leaves on it (the port field holds the number).
+// A colon with no digits after it, or with anything but digits, stays.
+std::u16string_view HostWithoutPort(std::u16string_view host);
+
 // The host `url` names, without a ":port" and with letter case folded: what the connections to
 // one server have in common, whatever the port.
 std::u16string HostKey(std::u16string_view url);
