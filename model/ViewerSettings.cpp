@@ -14,7 +14,7 @@ constexpr std::string_view kSection = "Options";
 constexpr std::string_view kStorageVolumeName = "StorageVolume";
 
 // The numeric options in the order in which they are read and written. The switches are saved
-// as 1 or 0 whatever non-zero value they hold; the text size is saved as it is.
+// as 1 or 0 whatever non-zero value they hold; the text size and the theme are saved as they are.
 struct NumericOption {
     std::string_view name;
     int32_t (ViewerSettings::*get)() const;
@@ -30,6 +30,7 @@ constexpr NumericOption kNumericOptions[] = {
     {"AddressBar", &ViewerSettings::addressBar, &ViewerSettings::SetAddressBar, true},
     {"TolerantCertificates", &ViewerSettings::tolerantCertificates,
      &ViewerSettings::SetTolerantCertificates, true},
+    {"Theme", &ViewerSettings::theme, &ViewerSettings::SetTheme, false},
 };
 
 // On the first run the data goes to the first storage card, when there is one.

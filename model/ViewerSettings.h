@@ -8,8 +8,9 @@
 namespace qf {
 
 // The viewer options of the reader, kept in the settings file's [Options] section under the
-// names "StorageVolume", "FitToScreen", "ClearType", "TextSize", "ShowImages", "AddressBar" and
-// "TolerantCertificates", plus the fixed connection settings that the HTTP fetcher asks for.
+// names "StorageVolume", "FitToScreen", "ClearType", "TextSize", "ShowImages", "AddressBar",
+// "TolerantCertificates" and "Theme", plus the fixed connection settings that the HTTP fetcher asks
+// for.
 class ViewerSettings {
 public:
     // Main memory; a storage card is "\" followed by its name.
@@ -18,6 +19,10 @@ public:
     static constexpr int32_t kSmallestTextSize = 0;
     static constexpr int32_t kMediumTextSize = 2;
     static constexpr int32_t kLargestTextSize = 4;
+    // The appearance: the desktop's own, or light or dark whatever the desktop says.
+    static constexpr int32_t kFollowDesktopTheme = 0;
+    static constexpr int32_t kLightTheme = 1;
+    static constexpr int32_t kDarkTheme = 2;
 
     // The root of the volume that holds the data folder.
     const WString& storageVolume() const { return storageVolume_; }
@@ -29,6 +34,7 @@ public:
     // Whether https tolerates a certificate whose date or host name is wrong (never an untrusted
     // issuer); off unless the user turns it on in the file.
     int32_t tolerantCertificates() const { return tolerantCertificates_; }
+    int32_t theme() const { return theme_; }
     void SetStorageVolume(const WString& volume) { storageVolume_.set(volume); }
     void SetFitToScreen(int32_t value) { fitToScreen_ = value; }
     void SetClearType(int32_t value) { clearType_ = value; }
@@ -36,11 +42,16 @@ public:
     void SetShowImages(int32_t value) { showImages_ = value; }
     void SetAddressBar(int32_t value) { addressBar_ = value; }
     void SetTolerantCertificates(int32_t value) { tolerantCertificates_ = value; }
+    void SetTheme(int32_t value) { theme_ = value; }
 
     // The text size the view shows: a stored size outside 0..4 shows as medium.
     int32_t shownTextSize() const {
         return textSize_ < kSmallestTextSize || textSize_ > kLargestTextSize ? kMediumTextSize
                                                                              : textSize_;
+    }
+    // The theme the program shows: a stored value other than light or dark follows the desktop.
+    int32_t shownTheme() const {
+        return theme_ == kLightTheme || theme_ == kDarkTheme ? theme_ : kFollowDesktopTheme;
     }
 
     // Fixed connection settings, the same every time: the platform's preconfigured Internet
@@ -57,6 +68,7 @@ private:
     int32_t showImages_ = 1;
     int32_t addressBar_ = 1;
     int32_t tolerantCertificates_ = 0;
+    int32_t theme_ = kFollowDesktopTheme;
 };
 
 // Reads the settings file. The first run (no file, or no [Options] in it) keeps the defaults,
@@ -66,8 +78,8 @@ private:
 bool LoadSettings(ViewerSettings& settings);
 
 // Writes every option into [Options] of the settings file, atomically, creating the file and its
-// folder when needed; the switches are written as 1 or 0, the text size as it is. Everything else
-// in the file stays. On failure the file is left as it was.
+// folder when needed; the switches are written as 1 or 0, the text size and the theme as they are.
+// Everything else in the file stays. On failure the file is left as it was.
 bool SaveSettings(const ViewerSettings& settings);
 
 } // namespace qf

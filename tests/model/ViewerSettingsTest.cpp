@@ -45,7 +45,8 @@ TEST_F(ViewerSettingsTest, FirstRunKeepsMainMemoryOrTakesTheFirstStorageCard) {
                                                    "TextSize=2\n"
                                                    "ShowImages=1\n"
                                                    "AddressBar=1\n"
-                                                   "TolerantCertificates=0\n");
+                                                   "TolerantCertificates=0\n"
+                                                   "Theme=0\n");
 
     // A settings file without options counts as a first run too.
     AddCard("Storage Card");
@@ -75,7 +76,7 @@ TEST_F(ViewerSettingsTest, OnlyTextSizeStoredLeavesTheOtherDefaults) {
 
 TEST_F(ViewerSettingsTest, SwitchesReadAsStoredAndAreWrittenAsOneOrZero) {
     WriteSettings("[Options]\nFitToScreen=5\nClearType=0\nTextSize=9\nShowImages=-3\n"
-                  "AddressBar= 7 apples\nTolerantCertificates=2\n");
+                  "AddressBar= 7 apples\nTolerantCertificates=2\nTheme=7\n");
     ViewerSettings settings;
     ASSERT_TRUE(LoadSettings(settings));
     EXPECT_EQ(settings.fitToScreen(), 5);
@@ -85,6 +86,7 @@ TEST_F(ViewerSettingsTest, SwitchesReadAsStoredAndAreWrittenAsOneOrZero) {
     EXPECT_EQ(settings.showImages(), -3);
     EXPECT_EQ(settings.addressBar(), 7);
     EXPECT_EQ(settings.tolerantCertificates(), 2);
+    EXPECT_EQ(settings.shownTheme(), ViewerSettings::kFollowDesktopTheme);
 
     ASSERT_TRUE(SaveSettings(settings));
     EXPECT_EQ(test::ReadFileBytes(settingsFile()), "[Options]\n"
@@ -94,6 +96,7 @@ TEST_F(ViewerSettingsTest, SwitchesReadAsStoredAndAreWrittenAsOneOrZero) {
                                                    "ShowImages=1\n"
                                                    "AddressBar=1\n"
                                                    "TolerantCertificates=1\n"
+                                                   "Theme=7\n"
                                                    "StorageVolume=\\\\\n");
 }
 
@@ -120,6 +123,7 @@ TEST_F(ViewerSettingsTest, SavingKeepsTheWindowSectionAndUnknownOptions) {
                                                    "ShowImages=1\n"
                                                    "AddressBar=1\n"
                                                    "TolerantCertificates=0\n"
+                                                   "Theme=0\n"
                                                    "\n"
                                                    "[Window]\n"
                                                    "geometry=@ByteArray(\\x1\\xd9\\xd0\\xcb)\n"
