@@ -1,6 +1,7 @@
 // The time from the start of the GUI until the channels screen of a store with 1,000 channels in
-// 20 categories is filled and the event loop is idle, and the peak memory of that run. Each
-// iteration starts a fresh process (this program again, in its child role) offscreen.
+// 20 categories is filled and the event loop is idle, and the peak memory of that run, with the
+// window phone-sized (one screen at a time) and desktop-sized (three panes). Each iteration starts
+// a fresh process (this program again, in its child role) offscreen.
 
 #include "model/ChannelStore.h"
 #include "platform/DataLock.h"
@@ -10,6 +11,7 @@
 #include "ui/App.h"
 #include "ui/ChannelListModel.h"
 #include "ui/ChannelsScreen.h"
+#include "ui/MainWindow.h"
 #include "ui/Resources.h"
 #include "ui/SingleInstance.h"
 
@@ -57,8 +59,14 @@ void WriteStore(const std::filesystem::path& home) {
     qf::SaveStore(store, qf::FromFsPath(home / "QFChannelsData" / "QFChannels.opml"));
 }
 
-// The child: the program's start-up up to an idle event loop; prints the milliseconds it took.
+// The child: the program's start-up, its window at the width and height it is given, up to an
+// idle event loop; prints the milliseconds it took.
 int RunChild(int argc, char** argv) {
+    if (argc < 4) {
+        return 1;
+    }
+    const int width = std::atoi(argv[2]);
+    const int height = std::atoi(argv[3]);
     const auto start = Clock::now();
     QApplication application(argc, argv);
     qf::ui::InitResources();
@@ -71,10 +79,12 @@ int RunChild(int argc, char** argv) {
     if (!lock.held() || !app.Start()) {
         return 1;
     }
+    app.mainWindow()->resize(width, height);
     QTimer::singleShot(0, [&] {
         QCoreApplication::processEvents();
         const std::chrono::duration<double, std::milli> elapsed = Clock::now() - start;
-        std::printf("%f %d\n", elapsed.count(), app.channelsScreen()->model()->rowCount());
+        const auto* channels = app.mainWindow()->findChild<qf::ui::ChannelsScreen*>();
+        std::printf("%f %d\n", elapsed.count(), channels ? channels->model()->rowCount() : 0);
         std::fflush(stdout);
         QCoreApplication::quit();
     });
@@ -86,7 +96,7 @@ struct ChildRun {
     double peakMegabytes = 0;
 };
 
-ChildRun StartChild() {
+ChildRun StartChild(int width, int height) {
     int pipeFds[2];
     if (pipe(pipeFds) != 0) {
         return {};
@@ -98,7 +108,9 @@ ChildRun StartChild() {
     char self[] = "/proc/self/exe";
     char flag[64];
     std::strcpy(flag, kChildFlag);
-    char* argv[] = {self, flag, nullptr};
+    std::string widthText = std::to_string(width);
+    std::string heightText = std::to_string(height);
+    char* argv[] = {self, flag, widthText.data(), heightText.data(), nullptr};
     pid_t child = 0;
     ChildRun run;
     if (posix_spawn(&child, self, &actions, nullptr, argv, environ) == 0) {
@@ -135,7 +147,8 @@ void BM_GuiStartupWith1000Channels(benchmark::State& state) {
     WriteStore(root / "home");
     double peak = 0;
     for (auto _ : state) {
-        const ChildRun run = StartChild();
+        const ChildRun run =
+            StartChild(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
         if (run.milliseconds <= 0) {
             state.SkipWithError("the GUI did not start");
             break;
@@ -147,6 +160,9 @@ void BM_GuiStartupWith1000Channels(benchmark::State& state) {
     std::filesystem::remove_all(root);
 }
 BENCHMARK(BM_GuiStartupWith1000Channels)
+    ->ArgNames({"width", "height"})
+    ->Args({480, 800})
+    ->Args({1200, 800})
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(10);

@@ -46,3 +46,9 @@ qf_build() {
   [ -n "${QF_BUILD_TARGETS:-}" ] && targets=(--target $QF_BUILD_TARGETS)
   cmake --build "$dir" -j "$(nproc)" "${targets[@]}"
 }
+
+# The developer's build in build/, which every script shares: the program, its tests and the
+# benchmarks (built, not run, so that a change that breaks one shows at once).
+qf_build_main() {
+  qf_build "$QF_ROOT/build" -DQF_BUILD_BENCH=ON
+}

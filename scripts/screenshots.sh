@@ -6,7 +6,7 @@
 set -euo pipefail
 source "$(dirname "$0")/common.sh"
 qf_ensure_packages "${QF_PACKAGES[@]}" xvfb xauth xdotool imagemagick
-qf_build "$QF_ROOT/build"
+qf_build_main
 size=${1:-480x800}
 out="$QF_ROOT/build-shots"
 work=$(mktemp -d)

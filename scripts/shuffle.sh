@@ -8,7 +8,7 @@ source "$(dirname "$0")/common.sh"
 qf_ensure_packages "${QF_PACKAGES[@]}"
 seed=${1:-$((RANDOM % 99999 + 1))}
 dir="$QF_ROOT/build"
-qf_build "$dir"
+qf_build_main
 echo "Shuffling with seed $seed (repeat with: scripts/shuffle.sh $seed)"
 export QT_QPA_PLATFORM=offscreen
 failed=()

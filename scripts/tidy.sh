@@ -9,7 +9,7 @@ qf_ensure_packages "${QF_PACKAGES[@]}" clang-tidy
 dir="$QF_ROOT/build"
 # The compile database is all clang-tidy needs, but the GUI's sources include the files moc
 # generates, so those are built first.
-QF_BUILD_TARGETS=quillfeedui_autogen qf_build "$dir"
+QF_BUILD_TARGETS=quillfeedui_autogen qf_build_main
 cd "$QF_ROOT"
 files=("$@")
 if [ ${#files[@]} -eq 0 ]; then
