@@ -1,18 +1,25 @@
 #!/usr/bin/env bash
-# scripts/screenshots.sh [WIDTHxHEIGHT]: runs the GUI under Xvfb against feeds served on
-# 127.0.0.1 and takes a screenshot of each state a user meets first: the welcome screen, a few
-# hundred channels before and during and after a refresh of all of them (one channel fails),
-# and a channel and a story. The pictures land in build-shots/.
+# scripts/screenshots.sh [phone|desktop|all] [light|dark|all]: runs the GUI under Xvfb against
+# feeds served on 127.0.0.1, phone-sized (480x800) and desktop-sized (1200x800), in the light and
+# the dark theme, and takes a screenshot of each state a user meets: the welcome screen, a few
+# hundred channels before, during and after a refresh of all of them (one channel fails), the
+# menu, the categories, a channel, a story, the wizard and the dialogs. Beside the channels, the
+# channel and the story it writes what a screen reader hears there (the accessible tree read
+# through AT-SPI). Everything lands in build-shots/, named size-theme-state.
 set -euo pipefail
 source "$(dirname "$0")/common.sh"
-qf_ensure_packages "${QF_PACKAGES[@]}" xvfb xauth xdotool imagemagick
-qf_build_main
-size=${1:-480x800}
+qf_ensure_packages "${QF_PACKAGES[@]}" xvfb xauth xdotool imagemagick dbus at-spi2-core \
+  python3-pyatspi
+QF_BUILD_TARGETS="quillfeed quillfeed-cli" qf_build_main
+sizes=${1:-all}
+themes=${2:-all}
+[ "$sizes" = all ] && sizes="phone desktop"
+[ "$themes" = all ] && themes="light dark"
 out="$QF_ROOT/build-shots"
 work=$(mktemp -d)
 trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$work"' EXIT
 mkdir -p "$out" "$work/feeds" "$work/cards"
-export XDG_CONFIG_HOME="$work/config" QUILLFEED_HOME="$work/home" QUILLFEED_CARDS="$work/cards"
+export QUILLFEED_CARDS="$work/cards"
 
 port=$(python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1",0)); print(s.getsockname()[1])')
 python3 - "$work" "$port" <<'PY'
@@ -44,32 +51,67 @@ with open(f"{work}/channels.opml", "w") as opml:
 PY
 python3 -m http.server --bind 127.0.0.1 "$port" --directory "$work/feeds" >/dev/null 2>&1 &
 
-# The steps run inside the virtual display, from a file: a shell between here and there would
-# drop exported functions.
+# The steps run inside the virtual display and a session bus of their own, from a file: a shell
+# between here and there would drop exported functions.
 cat >"$work/steps.sh" <<'STEPS'
-shoot() { sleep "${2:-1.5}"; import -window root "$out/$1.png"; echo "$out/$1.png"; }
+shoot() { sleep "${2:-1.5}"; import -window root "$out/$prefix-$1.png"; echo "$out/$prefix-$1.png"; }
+hear() { /usr/bin/python3 "$QF_ROOT/scripts/accessible_tree.py" >"$out/$prefix-$1.txt" 2>&1 || true; }
+/usr/libexec/at-spi-bus-launcher --launch-immediately &
+export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
 "$QF_ROOT/build/quillfeed" &
 gui=$!
 sleep 3
+# Without a window manager the window keeps the size it asked for: give it the screen's.
+xdotool search --sync --name '^Quillfeed$' windowmove 0 0 windowsize "$width" "$height" \
+  windowfocus 2>/dev/null || true
+sleep 1
 case $1 in
 welcome)
   shoot welcome 0
   ;;
 channels)
   shoot channels 0
+  hear channels
   xdotool key F2; shoot menu 1
   xdotool key Down Return; shoot refreshing 0.3
   sleep 25; shoot refreshed 0
-  xdotool key F2 Down Down Right Right; shoot categories 1
+  xdotool key F2 Down Down Down Down Down Down Right Right; shoot categories 1
   xdotool key Escape Escape Escape
-  xdotool key Return; shoot channel 2
-  xdotool key Return; shoot story 2
+  xdotool key Down Return; shoot channel 2
+  hear channel
+  xdotool key Down Return; shoot story 2
+  hear story
+  xdotool key Escape Escape; sleep 1
+  xdotool key F2 Down Down Down Down Down Return; shoot properties 2
+  xdotool key Escape; sleep 1
+  xdotool key F2 Down Down Down Down Down Down Down Down Down Return; shoot options 2
+  xdotool key Escape; sleep 1
+  xdotool key F1; shoot wizard 2
+  xdotool key Escape
   ;;
 esac
 kill "$gui"
 wait "$gui" 2>/dev/null || true
 STEPS
 export out QF_ROOT
-xvfb-run -a -s "-screen 0 ${size}x24" bash "$work/steps.sh" welcome
-"$QF_ROOT/build/quillfeed-cli" import "$work/channels.opml" >/dev/null
-xvfb-run -a -s "-screen 0 ${size}x24" bash "$work/steps.sh" channels
+for size in $sizes; do
+  case $size in
+  phone) width=480 height=800 ;;
+  desktop) width=1200 height=800 ;;
+  *) echo "unknown size $size (phone, desktop)" >&2; exit 2 ;;
+  esac
+  for theme in $themes; do
+    case $theme in
+    light) number=1 ;;
+    dark) number=2 ;;
+    *) echo "unknown theme $theme (light, dark)" >&2; exit 2 ;;
+    esac
+    export prefix="$size-$theme" width height
+    export XDG_CONFIG_HOME="$work/config-$prefix" QUILLFEED_HOME="$work/home-$prefix"
+    mkdir -p "$XDG_CONFIG_HOME/Orvelcraft"
+    printf '[Options]\nTheme=%s\n' "$number" >"$XDG_CONFIG_HOME/Orvelcraft/Quillfeed.conf"
+    xvfb-run -a -s "-screen 0 ${width}x${height}x24" dbus-run-session -- bash "$work/steps.sh" welcome
+    "$QF_ROOT/build/quillfeed-cli" import "$work/channels.opml" >/dev/null
+    xvfb-run -a -s "-screen 0 ${width}x${height}x24" dbus-run-session -- bash "$work/steps.sh" channels
+  done
+done
