@@ -14,6 +14,7 @@
 #include "ui/AppScreens.h"
 #include "ui/MainWindow.h"
 #include "ui/QtText.h"
+#include "ui/Theme.h"
 #include "ui/WaitCursor.h"
 #include "ui/WelcomeScreen.h"
 
@@ -43,6 +44,7 @@ bool App::Start() {
     if (!LoadSettings(store_.settings())) {
         SaveSettings(store_.settings());
     }
+    ApplyTheme(store_.settings().shownTheme());
     mainWindow_ = std::make_unique<MainWindow>(*this);
     CreateParts();
     // The lock is held from here on, so whatever is half written was left by an earlier run.

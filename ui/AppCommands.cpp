@@ -250,7 +250,11 @@ void AppCommands::ChooseOptions(int) {
         dialogs_.Tell(QStringLiteral("Please wait until the refresh has finished."));
         return;
     }
+    const int32_t showImages = store_.settings().showImages();
     dialogs_.ChooseOptions(store_, screens_.window());
+    if (store_.settings().showImages() != showImages) {
+        screens_.story().ShowPicturesAgain();
+    }
 }
 
 void AppCommands::NoAction(int) {}

@@ -3,6 +3,7 @@
 #include "ui/DataFolderFile.h"
 #include "ui/PrivateMessages.h"
 #include "ui/QtText.h"
+#include "ui/Theme.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -20,6 +21,8 @@ namespace {
 constexpr std::array kTextSizeScale = {0.8, 0.9, 1.0, 1.2, 1.45};
 constexpr int kMediumLevel = 2;
 constexpr QLatin1String kLocalLinkPrefix("qf_");
+constexpr QLatin1String kFilePictureOpen("src=\"file://");
+constexpr qsizetype kSourceOpenLength = 5;
 
 bool IsRemote(const QUrl& name) {
     const QString scheme = name.scheme();
@@ -33,6 +36,27 @@ QVariant EmptyPicture() {
     QImage image(1, 1, QImage::Format_ARGB32);
     image.fill(Qt::transparent);
     return image;
+}
+
+// Pages name their pictures on disk by "file://" and the path as it is, which the document would
+// read as an address: a "#", "?" or "%" in the path would cut it short or change it. Each such
+// name becomes the file's properly encoded address.
+QString WithEncodedFileAddresses(QString html) {
+    qsizetype at = html.indexOf(kFilePictureOpen, 0, Qt::CaseInsensitive);
+    while (at >= 0) {
+        const qsizetype start = at + kSourceOpenLength;
+        const qsizetype pathStart = at + kFilePictureOpen.size();
+        const qsizetype end = html.indexOf(QLatin1Char('"'), pathStart);
+        if (end < 0) {
+            break;
+        }
+        const QString address = QUrl::fromLocalFile(html.mid(pathStart, end - pathStart))
+                                    .toString(QUrl::FullyEncoded)
+                                    .toHtmlEscaped();
+        html.replace(start, end - start, address);
+        at = html.indexOf(kFilePictureOpen, start + address.size(), Qt::CaseInsensitive);
+    }
+    return html;
 }
 
 } // namespace
@@ -55,20 +79,43 @@ HtmlView::HtmlView(QObject* frame, int screenControl, QWidget* parent)
 
 void HtmlView::SetPage(const std::optional<std::u16string>& text, bool isHtml,
                        std::optional<QUrl> base) {
-    clear();
     base_ = std::move(base);
-    // The document resolves the names of its pictures against this before asking for them.
-    document()->setBaseUrl(base_.value_or(QUrl()));
-    if (text) {
-        const QString page = ToQString(*text);
-        if (isHtml) {
-            setHtml(page);
-        } else {
-            setPlainText(page);
-        }
-    }
+    page_ = text ? std::optional(ToQString(*text)) : std::nullopt;
+    isHtml_ = isHtml;
+    ShowKeptPage();
     verticalScrollBar()->setValue(verticalScrollBar()->minimum());
     horizontalScrollBar()->setValue(horizontalScrollBar()->minimum());
+}
+
+void HtmlView::Reload() {
+    const int top = verticalScrollBar()->value();
+    const int left = horizontalScrollBar()->value();
+    ShowKeptPage();
+    verticalScrollBar()->setValue(top);
+    horizontalScrollBar()->setValue(left);
+}
+
+// The page's own colours are those of the view's palette, so the page is laid out anew from its
+// text whenever the palette changes.
+void HtmlView::ShowKeptPage() {
+    clear();
+    // The document resolves the names of its pictures against this before asking for them.
+    document()->setBaseUrl(base_.value_or(QUrl()));
+    if (!page_) {
+        return;
+    }
+    if (isHtml_) {
+        setHtml(ThemedPage(WithEncodedFileAddresses(*page_), palette()));
+    } else {
+        setPlainText(*page_);
+    }
+}
+
+void HtmlView::changeEvent(QEvent* event) {
+    QTextBrowser::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && page_) {
+        Reload();
+    }
 }
 
 void HtmlView::SetTextSize(int level) {

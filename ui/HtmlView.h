@@ -12,7 +12,8 @@ namespace qf::ui {
 // The view that shows the program's generated pages: a whole page at once, scrolled to its top,
 // pictures only from the program's own files in the data folder or from the screen that owns the
 // view (which may fetch http(s) pictures in the background), text size levels 0..4,
-// antialiased text on or off, and lines wrapped to the view's width or scrolled sideways. It never
+// antialiased text on or off, the page's colours made those of the view's palette (and made again
+// when it changes), and lines wrapped to the view's width or scrolled sideways. It never
 // reaches the network itself and never runs a script. Left and Right released while the page needs
 // no sideways scrolling become previous and next requests to the frame; activated links are handed
 // to the link handler.
@@ -33,6 +34,9 @@ public:
     // Links that begin with "qf_" are the program's own and are always handed on as written.
     void SetPage(const std::optional<std::u16string>& text, bool isHtml,
                  std::optional<QUrl> base = std::nullopt);
+    // Lays the page shown out again from its text, asking for its pictures anew; the scroll
+    // position stays.
+    void Reload();
     void SetTextSize(int level);
     void SetClearType(bool on);
     void SetFitToScreen(bool on);
@@ -54,11 +58,13 @@ public:
     QVariant loadResource(int type, const QUrl& name) override;
 
 protected:
+    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    void ShowKeptPage();
     void ApplyFont();
     bool IsStepKey(const QKeyEvent* event) const;
     QImage PictureFor(const QUrl& name) const;
@@ -66,12 +72,16 @@ private:
 
     QObject* frame_;
     int screenControl_;
-    int textSize_ = 2;
+    // A new view draws its text one size below medium until it is told otherwise.
+    int textSize_ = 1;
     bool clearType_ = true;
     ImageSupplier imageSupplier_;
     ImageSupplier remoteImageSupplier_;
     LinkHandler linkHandler_;
     std::optional<QUrl> base_;
+    // The page as it was given, before its colours and file addresses were made the view's.
+    std::optional<QString> page_;
+    bool isHtml_ = true;
     // The link under the last mouse release or at the cursor when Enter was pressed, as the page
     // wrote it.
     QString clickedAnchor_;

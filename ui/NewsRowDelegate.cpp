@@ -2,6 +2,7 @@
 
 #include "ui/NewsListModel.h"
 #include "ui/SvgImages.h"
+#include "ui/Theme.h"
 #include "ui/UiScale.h"
 
 #include <QApplication>
@@ -16,8 +17,8 @@ constexpr int kHandheldIconSize = 16;
 constexpr double kRowFontScale = 0.92;
 constexpr int kStoryLines = 2;
 constexpr int kMessageLines = 3;
+// The separator lines between rows.
 const QColor kGrey(128, 128, 128);
-const QColor kRed(255, 0, 0);
 
 int Indent(const QFont& listFont) {
     return QFontMetrics(listFont).horizontalAdvance(QLatin1Char('x')) / 2;
@@ -104,7 +105,7 @@ void NewsRowDelegate::PaintStory(QPainter* painter, const QStyleOptionViewItem& 
     // The date goes under a blank first line so it sits right-aligned on the second.
     const QFont normal = NormalFont(option.font);
     painter->setFont(normal);
-    painter->setPen(kGrey);
+    painter->setPen(SecondaryText(option.palette, option.state.testFlag(QStyle::State_Selected)));
     const int lineHeight = QFontMetrics(normal).lineSpacing();
     const QRect dateLine(text.left(), text.top() + lineHeight, text.width(), lineHeight);
     DrawOpaque(painter, dateLine, Qt::AlignRight | Qt::AlignTop | Qt::TextSingleLine,
@@ -130,16 +131,15 @@ void NewsRowDelegate::PaintMessage(QPainter* painter, const QStyleOptionViewItem
     const QString text = index.data(Qt::DisplayRole).toString();
     const qsizetype at = text.indexOf(QLatin1Char('@'));
     painter->setClipRect(row);
+    const bool selected = option.state.testFlag(QStyle::State_Selected);
     painter->setFont(BoldFont(option.font));
-    painter->setPen(kRed);
+    painter->setPen(ErrorText(option.palette, selected));
     painter->drawText(area, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap,
                       at < 0 ? text : text.left(at));
     if (at >= 0) {
         painter->setFont(NormalFont(option.font));
-        painter->setPen(kGrey);
-        const QBrush background = option.state.testFlag(QStyle::State_Selected)
-                                      ? option.palette.highlight()
-                                      : option.palette.base();
+        painter->setPen(SecondaryText(option.palette, selected));
+        const QBrush background = selected ? option.palette.highlight() : option.palette.base();
         DrawOpaque(painter, area, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
                    text.mid(at + 1), background);
     }

@@ -2,30 +2,80 @@
 
 #include "model/ChannelStore.h"
 #include "model/DataFolder.h"
+#include "model/UpdateInterval.h"
 #include "model/ViewerSettings.h"
 #include "platform/StringTable.h"
 #include "ui/DialogParts.h"
 #include "ui/QtText.h"
+#include "ui/Theme.h"
 #include "ui/WaitCursor.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QHBoxLayout>
 #include <QLabel>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 namespace qf::ui {
 
+namespace {
+
+constexpr int kLargestUpdateValue = 999;
+
+} // namespace
+
 OptionsDialog::OptionsDialog(ChannelStore& store, Question ask, Message tell, QWidget* parent)
     : QDialog(parent), store_(store), ask_(std::move(ask)), tell_(std::move(tell)),
-      volumes_(new QComboBox(this)) {
+      volumes_(new QComboBox(this)),
+      autoUpdate_(new QCheckBox(QStringLiteral("Update channels automatically"), this)),
+      updateValue_(new QSpinBox(this)), updateUnit_(new QComboBox(this)),
+      showImages_(new QCheckBox(QStringLiteral("Show pictures in stories"), this)),
+      theme_(new QComboBox(this)) {
     setWindowTitle(QStringLiteral("Options"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(BoldLabel(QStringLiteral("Store channels data:"), this));
     layout->addWidget(volumes_);
+    AddUpdateChoice(layout);
+    layout->addWidget(showImages_);
+    layout->addWidget(BoldLabel(QStringLiteral("Appearance:"), this));
+    theme_->addItems(
+        {QStringLiteral("Follow the desktop"), QStringLiteral("Light"), QStringLiteral("Dark")});
+    layout->addWidget(theme_);
     layout->addStretch();
     layout->addWidget(DoneCancelButtons(this));
     FillVolumes();
+    FillUpdate();
+    showImages_->setChecked(store_.settings().showImages() != 0);
+    theme_->setCurrentIndex(store_.settings().shownTheme());
     SizeLikeHandheldDialog(this);
+}
+
+void OptionsDialog::AddUpdateChoice(QVBoxLayout* layout) {
+    layout->addWidget(autoUpdate_);
+    auto* interval = new QHBoxLayout;
+    interval->addWidget(new QLabel(QStringLiteral("Every"), this));
+    updateValue_->setRange(1, kLargestUpdateValue);
+    interval->addWidget(updateValue_);
+    updateUnit_->addItems(
+        {QStringLiteral("minutes"), QStringLiteral("hours"), QStringLiteral("days")});
+    interval->addWidget(updateUnit_, 1);
+    layout->addLayout(interval);
+    connect(autoUpdate_, &QCheckBox::toggled, updateValue_, &QWidget::setEnabled);
+    connect(autoUpdate_, &QCheckBox::toggled, updateUnit_, &QWidget::setEnabled);
+}
+
+void OptionsDialog::FillUpdate() {
+    autoUpdate_->setChecked(store_.autoUpdate() != 0);
+    updateValue_->setEnabled(autoUpdate_->isChecked());
+    updateUnit_->setEnabled(autoUpdate_->isChecked());
+    updateValue_->setValue(store_.updateValue());
+    const int32_t unit = store_.updateUnit();
+    // A unit the box does not offer (seconds) shows no entry.
+    updateUnit_->setCurrentIndex(unit >= kUnitMinutes && unit <= kUnitDays ? unit : -1);
+    shownValue_ = updateValue_->value();
+    shownUnit_ = updateUnit_->currentIndex();
 }
 
 void OptionsDialog::FillVolumes() {
@@ -56,6 +106,8 @@ std::u16string OptionsDialog::VolumeOf(int entry) const {
 }
 
 void OptionsDialog::accept() {
+    StoreUpdate();
+    StoreViewerOptions();
     const int entry = volumes_->currentIndex();
     if (entry >= 0) {
         // Exact comparison, unlike the case-blind ones elsewhere: "\Card" and "\card" differ here.
@@ -66,6 +118,26 @@ void OptionsDialog::accept() {
         }
     }
     QDialog::accept();
+}
+
+// The store has no changed mark: it is saved whole when the program ends.
+void OptionsDialog::StoreUpdate() {
+    store_.SetAutoUpdate(autoUpdate_->isChecked() ? 1 : 0);
+    if (updateValue_->value() != shownValue_) {
+        store_.SetUpdateValue(updateValue_->value());
+    }
+    if (updateUnit_->currentIndex() != shownUnit_) {
+        store_.SetUpdateUnit(updateUnit_->currentIndex());
+    }
+}
+
+void OptionsDialog::StoreViewerOptions() {
+    ViewerSettings& settings = store_.settings();
+    settings.SetShowImages(showImages_->isChecked() ? 1 : 0);
+    if (theme_->currentIndex() != settings.shownTheme()) {
+        settings.SetTheme(theme_->currentIndex());
+        ApplyTheme(settings.shownTheme());
+    }
 }
 
 void OptionsDialog::MoveTo(const std::u16string& volume) {

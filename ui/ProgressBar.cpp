@@ -3,6 +3,7 @@
 #include "model/ChannelStore.h"
 #include "ui/CommandIds.h"
 #include "ui/SvgImages.h"
+#include "ui/Theme.h"
 #include "ui/UiScale.h"
 
 #include <QApplication>
@@ -22,7 +23,7 @@ constexpr double kFontScale = 0.92;
 constexpr int kBarPadding = 4;
 constexpr int kMinimumBarHeight = 12;
 constexpr int kControlMargin = 5;
-// How far inside a part's outer top corner its colour is sampled.
+// How far inside a part's outer edge its colour is sampled, halfway down where the text runs.
 constexpr int kSampleInset = 2;
 
 // The system font a little smaller, as the handheld's controls used it.
@@ -32,12 +33,8 @@ QFont ControlFont() {
     return font;
 }
 
-QColor Inverse(QRgb pixel) {
-    return QColor(255 - qRed(pixel), 255 - qGreen(pixel), 255 - qBlue(pixel));
-}
-
-// The hosted bar: the platform's bar, with the owner's text drawn over it in the inverse of the
-// colour under each half.
+// The hosted bar: the platform's bar, with the owner's text drawn over it in black or white,
+// whichever reads better on the colour under each half.
 class TextOverBar : public QProgressBar {
 public:
     TextOverBar(const ProgressBar& owner, QWidget* parent) : QProgressBar(parent), owner_(owner) {
@@ -75,10 +72,9 @@ private:
         const QRect filled(QPoint(client.left(), client.top()), QPoint(split - 1, client.bottom()));
         const QRect empty(QPoint(split, client.top()), client.bottomRight());
         painter.setFont(font());
-        DrawPart(painter, base, filled,
-                 QPoint(client.left() + kSampleInset, client.top() + kSampleInset));
-        DrawPart(painter, base, empty,
-                 QPoint(client.right() - kSampleInset, client.top() + kSampleInset));
+        const int middle = client.center().y();
+        DrawPart(painter, base, filled, QPoint(client.left() + kSampleInset, middle));
+        DrawPart(painter, base, empty, QPoint(client.right() - kSampleInset, middle));
     }
 
     void DrawPart(QPainter& painter, const QImage& base, const QRect& part, QPoint sample) {
@@ -89,7 +85,7 @@ private:
             return;
         }
         painter.save();
-        painter.setPen(Inverse(base.pixel(pixel)));
+        painter.setPen(TextOn(base.pixelColor(pixel)));
         painter.setClipRect(part);
         // A line longer than the bar ends in an ellipsis rather than being cut at both ends.
         const QString text =

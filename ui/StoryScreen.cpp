@@ -44,6 +44,11 @@ void StoryScreen::ShowStory(Channel* channel, NewsItem* item) {
     view_->SetPage(BuildStoryPage(*channel, *item, PageContextFor(store_)), true, BaseOf(*item));
 }
 
+void StoryScreen::ShowPicturesAgain() {
+    pictures_->BeginShowing();
+    view_->Reload();
+}
+
 void StoryScreen::Forget() {
     channel_ = nullptr;
     item_ = nullptr;

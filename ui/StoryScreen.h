@@ -26,6 +26,9 @@ public:
     // The same story as shown, now as the record a refresh put in place of the shown one; the
     // page stays as the reader left it.
     void FollowRefresh(NewsItem* item) { item_ = item; }
+    // The story shown laid out again, its pictures asked for anew: the "show images" option
+    // has changed. The reader stays where they were in it.
+    void ShowPicturesAgain();
     // Lets go of the story, whose channel is going away, and empties the view.
     void Forget();
     Channel* channel() const { return channel_; }

@@ -1,6 +1,7 @@
 #include "NewsFixture.h"
 #include "ui/HtmlView.h"
 #include "ui/RowTitle.h"
+#include "ui/Theme.h"
 
 #include <QApplication>
 #include <QMouseEvent>
@@ -57,6 +58,10 @@ TEST_F(ChannelScreenTest, NewOnlySortAndMarkAllRefillTheListAndTheMenuFollows) {
     StartWithStories();
     OpenChannel(0);
     EXPECT_TRUE(news().banner()->toPlainText().contains(QStringLiteral("News")));
+    // The banner is drawn a size smaller than a story at the medium size.
+    EXPECT_EQ(news().banner()->textSizeLevel(), 1);
+    EXPECT_LT(QFontInfo(news().banner()->font()).pixelSize(),
+              QFontInfo(storyScreen()->view()->font()).pixelSize());
     EXPECT_EQ(Titles(), QStringList({"Alpha", "Bravo", "Charlie", "Delta"}));
     OpenMenu(QStringLiteral("View"));
     EXPECT_TRUE(MenuEntry(kCmdDoNotSort)->isChecked());
@@ -107,12 +112,14 @@ TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) 
     const QRect row = list->visualRect(news().model()->index(0));
     EXPECT_GT(row.height(), storyHeight * 4 / 3);
     const QImage shot = list->viewport()->grab(row).toImage();
+    const QColor red = ErrorText(list->palette(), false);
+    const QColor grey = SecondaryText(list->palette(), false);
     bool redLeft = false;
     bool greyRight = false;
     for (int y = 0; y < shot.height(); ++y) {
         for (int x = 0; x < shot.width(); ++x) {
-            redLeft |= x < shot.width() / 3 && shot.pixelColor(x, y) == QColor(255, 0, 0);
-            greyRight |= x > shot.width() * 2 / 3 && shot.pixelColor(x, y) == QColor(128, 128, 128);
+            redLeft |= x < shot.width() / 3 && shot.pixelColor(x, y) == red;
+            greyRight |= x > shot.width() * 2 / 3 && shot.pixelColor(x, y) == grey;
         }
     }
     EXPECT_TRUE(redLeft);

@@ -1,8 +1,14 @@
 #include "model/ChannelStore.h"
+#include "model/DataFolder.h"
+#include "model/NewsItem.h"
+#include "platform/FsPath.h"
+#include "render/StoryPage.h"
+#include "support/TestEnv.h"
 #include "ui/EditMenu.h"
 #include "ui/HtmlView.h"
 #include "ui/PrivateMessages.h"
 #include "ui/ProgressBar.h"
+#include "ui/Theme.h"
 
 #include <QAction>
 #include <QApplication>
@@ -46,39 +52,37 @@ TEST(ProgressBar, SplitFollowsThePositionOverTheRangeAndTheMiddleWhenEmpty) {
     EXPECT_EQ(SplitColumn(0, 100, 5, 15, 5), 50);
 }
 
-TEST(ProgressBar, TextTakesTheInverseOfTheColourUnderEachHalf) {
-    ChannelStore store;
-    QWidget parent;
-    ProgressBar progress(store, &parent);
-    QPalette palette = progress.bar()->palette();
-    palette.setColor(QPalette::Highlight, QColor(0, 0, 160));
-    palette.setColor(QPalette::Base, QColor(255, 255, 255));
-    palette.setColor(QPalette::Window, QColor(255, 255, 255));
-    progress.bar()->setPalette(palette);
-    progress.setGeometry(0, 0, 300, progress.PreferredHeight());
-    progress.SetRange(0, 2);
-    progress.SetPosition(1);
-    progress.SetText(QStringLiteral("WWWWWWWWWWWWWWWWWWWWWWWW"));
-    const QImage image = progress.bar()->grab().toImage();
-    const int half = image.width() / 2;
-    auto found = [&image](int from, int to, QRgb colour) {
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = from; x < to; ++x) {
-                if ((image.pixel(x, y) & 0xFFFFFF) == (colour & 0xFFFFFF)) {
-                    return true;
+TEST(ProgressBar, TextReadsOnTheColourUnderEachHalfInBothThemes) {
+    for (const Appearance appearance : {Appearance::kLight, Appearance::kDark}) {
+        ChannelStore store;
+        QWidget parent;
+        parent.setPalette(ThemePalette(appearance));
+        ProgressBar progress(store, &parent);
+        progress.setGeometry(0, 0, 300, progress.PreferredHeight());
+        progress.SetRange(0, 2);
+        progress.SetPosition(1);
+        progress.SetText(QStringLiteral("WWWWWWWWWWWWWWWWWWWWWWWW"));
+        const QImage image = progress.bar()->grab().toImage();
+        const int half = image.width() / 2;
+        const auto found = [&image](int from, int to, const QColor& colour) {
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = from; x < to; ++x) {
+                    if (image.pixelColor(x, y) == colour) {
+                        return true;
+                    }
                 }
             }
-        }
-        return false;
-    };
-    const auto inverse = [](QRgb c) {
-        return qRgb(255 - qRed(c), 255 - qGreen(c), 255 - qBlue(c));
-    };
-    const QRgb filled = image.pixel(2, 2);
-    const QRgb empty = image.pixel(image.width() - 3, 2);
-    ASSERT_NE(filled, empty);
-    EXPECT_TRUE(found(0, half, inverse(filled)));
-    EXPECT_TRUE(found(half, image.width(), inverse(empty)));
+            return false;
+        };
+        const int middle = image.height() / 2;
+        const QColor filled = image.pixelColor(2, middle);
+        const QColor empty = image.pixelColor(image.width() - 3, middle);
+        ASSERT_NE(filled, empty);
+        EXPECT_TRUE(found(0, half, TextOn(filled)));
+        EXPECT_TRUE(found(half, image.width(), TextOn(empty)));
+        EXPECT_GE(ContrastRatio(TextOn(filled), filled), kMinimumTextContrast);
+        EXPECT_GE(ContrastRatio(TextOn(empty), empty), kMinimumTextContrast);
+    }
 }
 
 // Left and Right step only while the page needs no sideways scrolling.
@@ -132,6 +136,41 @@ TEST(HtmlView, PicturesComeOnlyFromLocalFilesAndTheScreen) {
                                QUrl(QStringLiteral("file:///etc/hostname")))
                     .toByteArray()
                     .isEmpty());
+}
+
+// The page keeps the path as it is; the view must not read its "#", "?" or "%" as parts of an
+// address.
+TEST(HtmlView, LogoShowsFromADataFolderWhosePathHoldsHashQuestionMarkAndPercent) {
+    const qf::test::TempDir dir;
+    const std::filesystem::path oddHome = dir / "odd #1 ?2 %41";
+    std::filesystem::create_directories(oddHome);
+    const qf::test::EnvVar home("QUILLFEED_HOME", oddHome.string());
+    const qf::test::EnvVar cards("QUILLFEED_CARDS", (dir / "cards").string());
+    const std::u16string folder = DataFolderOfVolume(u"\\").value_or(u"");
+    std::filesystem::create_directories(ToFsPath(folder));
+    QImage logo(40, 20, QImage::Format_RGB32);
+    logo.fill(Qt::red);
+    ASSERT_TRUE(logo.save(QString::fromStdU16String(folder + u"/logo.png")));
+    Channel channel;
+    channel.image().SetLocalFile(WString(u"logo.png"));
+    NewsItem item;
+    item.SetTitle(WString(u"Story"));
+    item.SetDescription(WString(u"Body"));
+    const auto page = BuildStoryPage(channel, item, PageContext{folder});
+    ASSERT_TRUE(page && page->find(u"file://" + folder + u"/logo.png") != std::u16string::npos);
+
+    FrameRecorder frame;
+    HtmlView view(&frame, 0, nullptr);
+    view.resize(200, 100);
+    view.SetPage(page, true);
+    const QImage shot = view.grab().toImage();
+    bool red = false;
+    for (int y = 0; y < shot.height() && !red; ++y) {
+        for (int x = 0; x < shot.width() && !red; ++x) {
+            red = shot.pixelColor(x, y) == QColor(Qt::red);
+        }
+    }
+    EXPECT_TRUE(red);
 }
 
 // A page with one text box that has the menu, and the clipboard emptied.

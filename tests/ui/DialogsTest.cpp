@@ -1,12 +1,18 @@
 #include "UiFixture.h"
 #include "model/DataFolder.h"
+#include "model/UpdateInterval.h"
 #include "platform/FsPath.h"
 #include "ui/ChannelPropertiesDialog.h"
 #include "ui/OptionsDialog.h"
+#include "ui/Theme.h"
 
+#include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
+#include <QSpinBox>
 
 namespace qf::ui::test {
 namespace {
@@ -116,6 +122,47 @@ TEST_F(DialogsTest, OptionsMoveTheDataFolderOnlyWhenAskedToAndItCan) {
     QuitApp();
     EXPECT_TRUE(OnCard("QFChannels.opml"));
     EXPECT_FALSE(InMainMemory("QFChannels.opml"));
+}
+
+TEST_F(DialogsTest, OptionsKeepTheIntervalInTheStoreAndPicturesAndThemeInTheSettings) {
+    QStringList shown;
+    const auto choose = [this, &shown](const std::function<void(OptionsDialog&)>& play) {
+        onDialog_ = [&shown, &play](QDialog& dialog) {
+            auto& options = dynamic_cast<OptionsDialog&>(dialog);
+            shown = {options.autoUpdate()->isChecked() ? "on" : "off",
+                     QString::number(options.updateValue()->value()),
+                     options.updateUnit()->currentText(),
+                     options.showImages()->isChecked() ? "pictures" : "none",
+                     options.theme()->currentText()};
+            play(options);
+            options.accept();
+            return options.result();
+        };
+        Command(kCmdOptions);
+        QCoreApplication::processEvents();
+    };
+    const auto listBase = [this] { return channelsScreen()->list()->palette().base().color(); };
+    choose([](OptionsDialog& options) {
+        EXPECT_FALSE(options.updateValue()->isEnabled());
+        options.autoUpdate()->setChecked(true);
+        EXPECT_TRUE(options.updateValue()->isEnabled());
+        options.updateValue()->setValue(3);
+        options.updateUnit()->setCurrentIndex(kUnitDays);
+        options.showImages()->setChecked(false);
+        options.theme()->setCurrentIndex(ViewerSettings::kDarkTheme);
+    });
+    EXPECT_EQ(shown, (QStringList{"off", "1", "hours", "pictures", "Follow the desktop"}));
+    EXPECT_EQ(app().store().autoUpdate(), 1);
+    EXPECT_EQ(app().store().updateValue(), 3);
+    EXPECT_EQ(app().store().updateUnit(), kUnitDays);
+    EXPECT_EQ(listBase(), ThemePalette(Appearance::kDark).base().color());
+
+    QuitApp();
+    StartApp();
+    EXPECT_EQ(listBase(), ThemePalette(Appearance::kDark).base().color());
+    choose([](OptionsDialog&) {});
+    EXPECT_EQ(shown, (QStringList{"on", "3", "days", "none", "Dark"}));
+    EXPECT_TRUE(asked_.isEmpty());
 }
 
 } // namespace

@@ -7,8 +7,10 @@
 #include "platform/FsPath.h"
 #include "support/TestServer.h"
 #include "ui/HtmlView.h"
+#include "ui/OptionsDialog.h"
 
 #include <QBuffer>
+#include <QCheckBox>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QImage>
@@ -181,6 +183,25 @@ TEST_F(StoryPicturesTest, WithShowImagesOffNothingIsRequestedNorShown) {
     EXPECT_LE(Shown("/pic.png").width(), 1);
     Show(Story({"/pic.png"}));
     EXPECT_LE(Shown("/pic.png").width(), 1);
+    EXPECT_EQ(server.hits("/pic.png"), 1);
+}
+
+TEST_F(StoryPicturesTest, PicturesChoiceInOptionsTakesEffectAtOnceOnTheStoryShown) {
+    Show(Story({"/pic.png"}));
+    ASSERT_TRUE(WaitFor([&] { return Settled() && Shown("/pic.png").size() == kPictureSize; }));
+    app().SetScreen(kChannelsScreen);
+    const auto choosePictures = [this](bool on) {
+        onDialog_ = [on](QDialog& dialog) {
+            dynamic_cast<OptionsDialog&>(dialog).showImages()->setChecked(on);
+            dialog.accept();
+            return dialog.result();
+        };
+        Command(kCmdOptions);
+    };
+    choosePictures(false);
+    EXPECT_LE(Shown("/pic.png").width(), 1);
+    choosePictures(true);
+    EXPECT_TRUE(WaitFor([&] { return Shown("/pic.png").size() == kPictureSize; }));
     EXPECT_EQ(server.hits("/pic.png"), 1);
 }
 

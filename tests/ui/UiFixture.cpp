@@ -5,6 +5,7 @@
 #include "platform/FsPath.h"
 #include "store/ChannelStoreFile.h"
 #include "ui/AddChannelWizard.h"
+#include "ui/Theme.h"
 
 #include <QCoreApplication>
 #include <QDialog>
@@ -14,6 +15,8 @@ namespace qf::ui::test {
 
 UiFixture::~UiFixture() {
     app_.reset();
+    // The next test starts in the desktop's colours, whatever this one chose.
+    ApplyTheme(ViewerSettings::kFollowDesktopTheme);
     QCoreApplication::processEvents();
 }
 
