@@ -2,8 +2,6 @@
 
 #include "model/ChannelStore.h"
 
-#include <algorithm>
-
 namespace qf {
 
 namespace {
@@ -20,16 +18,10 @@ std::vector<Channel*> ChannelListOrder(const ChannelStore& store, int32_t catego
         if (categoryFilter != kAllCategories && static_cast<std::size_t>(categoryFilter) != index) {
             continue;
         }
-        const auto& channels = categories[index]->channels();
-        for (std::size_t position = 0; position < channels.size(); ++position) {
-            Channel* channel = channels[position].get();
-            if (channel == nullptr || (unreadOnly && channel->newItemCount() == 0)) {
-                continue;
+        for (const auto& channel : categories[index]->channels()) {
+            if (channel != nullptr && (!unreadOnly || channel->newItemCount() != 0)) {
+                rows.push_back(channel.get());
             }
-            // The list takes a row at the requested index, or at its end when that lies beyond:
-            // rows of later categories land among the earlier ones.
-            const std::size_t at = std::min(position, rows.size());
-            rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(at), channel);
         }
     }
     return rows;

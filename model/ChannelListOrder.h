@@ -8,11 +8,10 @@ namespace qf {
 class Channel;
 class ChannelStore;
 
-// The channels in the order of the channels screen's rows, by the screen's own fill rule: the
-// categories in store order (only the one at `categoryFilter` unless it is -1), each channel (only
-// those with unread stories when `unreadOnly`) inserted at its position within its category, or at
-// the end when the list is shorter. A refresh of all channels visits them in this order, so the
-// command line and the screen agree.
+// The channels in the order of the channels screen's rows: the categories in store order (only
+// the one at `categoryFilter` unless it is -1), each with its channels in their order (only those
+// with unread stories when `unreadOnly`). A refresh of all channels visits them in this order, so
+// the command line and the screen agree.
 std::vector<Channel*> ChannelListOrder(const ChannelStore& store, int32_t categoryFilter,
                                        bool unreadOnly);
 

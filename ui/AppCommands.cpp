@@ -233,10 +233,11 @@ void AppCommands::EditChannelProperties(int) {
     const bool onChannel = screens_.current() == kChannelScreen;
     Channel* channel =
         onChannel ? screens_.channel().channel() : screens_.channels().SelectedChannel();
-    if (channel == nullptr || !dialogs_.EditChannel(*channel, screens_.window())) {
+    if (channel == nullptr || !dialogs_.EditChannel(*channel, store_, screens_.window())) {
         return;
     }
-    // The new title shows at once; the address is used by the next refresh.
+    // The new title shows at once; the address, the credentials and the interval serve the next
+    // refresh.
     screens_.channels().UpdateRow(channel, false);
     if (onChannel) {
         screens_.channel().ShowChannel(channel);

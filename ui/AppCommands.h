@@ -46,8 +46,8 @@ private:
         void (AppCommands::*handler)(int command);
     };
     static std::span<const Route> Routes();
-    // Menu commands above 40100 choose a category first.
-    void SelectCategoryByCommand(int command);
+    // "All Categories" or the entry of one category.
+    void SelectCategory(int command);
     std::u16string_view volume() const;
 
     void Quit(int command);

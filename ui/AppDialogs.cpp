@@ -53,8 +53,8 @@ bool AppDialogs::AddChannels(ChannelStore& store, const DeviceFamily& family,
     return Run(wizard, window) == QDialog::Accepted && wizard.Apply();
 }
 
-bool AppDialogs::EditChannel(Channel& channel, QWidget& window) const {
-    ChannelPropertiesDialog dialog(channel, &window);
+bool AppDialogs::EditChannel(Channel& channel, const ChannelStore& store, QWidget& window) const {
+    ChannelPropertiesDialog dialog(channel, store, &window);
     return Run(dialog, window) == QDialog::Accepted;
 }
 

@@ -46,7 +46,7 @@ public:
     // Runs the add-channel wizard; true when it added to the store.
     bool AddChannels(ChannelStore& store, const DeviceFamily& family, QWidget& window) const;
     // Runs the channel's properties dialog; true when the user accepted the changes.
-    bool EditChannel(Channel& channel, QWidget& window) const;
+    bool EditChannel(Channel& channel, const ChannelStore& store, QWidget& window) const;
     void ChooseOptions(ChannelStore& store, QWidget& window) const;
 
 private:

@@ -12,6 +12,7 @@
 #include "ui/StoryScreen.h"
 
 #include <QMenu>
+#include <algorithm>
 #include <array>
 
 namespace qf::ui {
@@ -85,11 +86,6 @@ void AppMenus::OnPopup(QMenu* menu, bool fromMenuKey) {
 
 void AppMenus::UpdateState(QMenu* menu) {
     const bool busy = store_.refresh().busy();
-    // The category entries share their numbers with other commands (40109 is also "Delete
-    // Channel"); what those commands allow must not grey out a category.
-    if (menu->objectName() == QLatin1StringView(kCategorySubmenuName)) {
-        return;
-    }
     if (screens_.current() == kChannelsScreen) {
         const bool selected = screens_.channels().SelectedChannel() != nullptr;
         for (int command :
@@ -157,22 +153,22 @@ void AppMenus::UpdateChecks(QMenu* menu, bool fromMenuKey) {
 }
 
 void AppMenus::UpdateCategoryList(QMenu* categories) {
-    for (int i = 0; i < kMaxCategoryEntries; ++i) {
-        QAction* entry = FindCommand(categories, kCmdFirstCategory + i);
-        if (entry == nullptr) {
-            break;
+    for (QAction* entry : categories->actions()) {
+        if (IsCategoryEntry(CommandOf(entry))) {
+            categories->removeAction(entry);
+            entry->deleteLater();
         }
-        categories->removeAction(entry);
-        entry->deleteLater();
     }
     Check(categories, kCmdAllCategories, false);
     const auto& list = store_.categories();
-    for (std::size_t i = 0; i < list.size(); ++i) {
-        QAction* entry = categories->addAction(ToQString(list[i]->name().str()));
-        entry->setData(kCmdFirstCategory + static_cast<int>(i));
+    const int shown = std::min(static_cast<int>(list.size()), kMaxCategoryEntries);
+    for (int i = 0; i < shown; ++i) {
+        QAction* entry =
+            categories->addAction(ToQString(list[static_cast<std::size_t>(i)]->name().str()));
+        entry->setData(kCmdFirstCategory + i);
     }
     const int32_t selected = store_.categoryId();
-    const bool one = selected >= 0 && selected < static_cast<int32_t>(list.size());
+    const bool one = selected >= 0 && selected < shown;
     Check(categories, one ? kCmdFirstCategory + selected : kCmdAllCategories, true);
 }
 

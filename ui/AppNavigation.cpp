@@ -34,8 +34,14 @@ void AppNavigation::OpenChannel(Channel* channel) {
         channel->cacheFile().isNull() ? WString(FeedFileName(channel->id())) : channel->cacheFile();
     const auto path = DataFilePath(volume(), cacheFile);
     if (!path || !FileExists(*path)) {
+        // A channel whose download failed shows why at once; it is tried again all the same,
+        // and its stories take the message's place when they come.
+        const bool failed = channel->hasErrors() != 0;
         engine_.StartChannelUpdate(*channel, 0, true,
                                    [this](Channel& updated) { ShowChannel(&updated); });
+        if (failed) {
+            ShowChannel(channel);
+        }
         return;
     }
     if (channel->items().empty()) {

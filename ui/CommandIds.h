@@ -3,8 +3,7 @@
 namespace qf::ui {
 
 // Command numbers of the menus, soft keys and accelerators. The numbers are the program's own
-// resource numbers; the category selection relies on every id above kCmdAllCategories taking
-// part in it (see CommandTable).
+// resource numbers, apart from the category entries, which have a range of their own.
 enum CommandId : int {
     kCmdQuit = 1,
     kCmdAbout = 40003,
@@ -26,7 +25,6 @@ enum CommandId : int {
     kCmdOptions = 40041,
     kCmdRefreshAll = 40050,
     kCmdAllCategories = 40100,
-    kCmdFirstCategory = 40101,
     kCmdPreviousChannel = 40102,
     kCmdNextChannel = 40103,
     kCmdRefreshChannel = 40104,
@@ -50,8 +48,14 @@ enum CommandId : int {
     kCmdStopProgress = 40305,
 };
 
-// At most this many category entries follow kCmdFirstCategory in the category submenu.
+// The entries of the category submenu after "All Categories", one per category from the first.
+// No other command has a number in their range, so that no command is taken for a category.
+inline constexpr int kCmdFirstCategory = 41000;
 inline constexpr int kMaxCategoryEntries = 100;
+
+constexpr bool IsCategoryEntry(int command) {
+    return command >= kCmdFirstCategory && command < kCmdFirstCategory + kMaxCategoryEntries;
+}
 
 // Control numbers by which screens name the child that sent a private message.
 enum ControlId : int {

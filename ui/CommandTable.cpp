@@ -66,24 +66,19 @@ std::span<const AppCommands::Route> AppCommands::Routes() {
     return kRoutes;
 }
 
-void AppCommands::SelectCategoryByCommand(int command) {
-    if (command == kCmdAllCategories) {
-        store_.SetCategoryId(-1);
-        screens_.RefillChannels();
-        return;
-    }
-    // Every command above 40100 takes part, not only the category entries: with eight or more
-    // categories "New" (40108) shows the eighth. Users have always seen it so.
-    const int index = command - kCmdFirstCategory;
-    if (command > kCmdAllCategories && index < static_cast<int>(store_.categories().size())) {
+void AppCommands::SelectCategory(int command) {
+    const int index = command == kCmdAllCategories ? -1 : command - kCmdFirstCategory;
+    if (index < static_cast<int>(store_.categories().size())) {
         store_.SetCategoryId(index);
         screens_.RefillChannels();
     }
 }
 
 bool AppCommands::Run(int sourceControl, int command) {
-    if (sourceControl == kCtlNone) {
-        SelectCategoryByCommand(command);
+    // Only the category submenu's entries choose the category shown; no other command does.
+    if (sourceControl == kCtlNone && (command == kCmdAllCategories || IsCategoryEntry(command))) {
+        SelectCategory(command);
+        return true;
     }
     for (const Route& route : Routes()) {
         if (route.command == command &&

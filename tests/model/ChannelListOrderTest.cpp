@@ -34,14 +34,11 @@ protected:
     int32_t lastId = 0;
 };
 
-TEST_F(ChannelListOrderTest, RowsTakeTheirPositionWithinTheirCategory) {
-    // Each channel is inserted at its index within its category, so a later category's channels
-    // land in front of the earlier ones.
-    EXPECT_EQ(Ids(-1, false), (std::vector<int32_t>{4, 5, 1, 2, 3}));
+TEST_F(ChannelListOrderTest, RowsFollowTheCategoriesAndTheirChannelsInStoreOrder) {
+    EXPECT_EQ(Ids(-1, false), (std::vector<int32_t>{1, 2, 3, 4, 5}));
     EXPECT_EQ(Ids(1, false), (std::vector<int32_t>{4, 5}));
     EXPECT_EQ(Ids(7, false), std::vector<int32_t>{});
-    // Left-out rows still count for the index: 2 asks for 1 in an empty list and goes to its end.
-    EXPECT_EQ(Ids(-1, true), (std::vector<int32_t>{2, 5, 3}));
+    EXPECT_EQ(Ids(-1, true), (std::vector<int32_t>{2, 3, 5}));
 }
 
 } // namespace

@@ -2,7 +2,9 @@
 #include "model/DataFolder.h"
 #include "model/UpdateInterval.h"
 #include "platform/FsPath.h"
+#include "support/TestServer.h"
 #include "ui/ChannelPropertiesDialog.h"
+#include "ui/IntervalEdit.h"
 #include "ui/OptionsDialog.h"
 #include "ui/Theme.h"
 
@@ -12,6 +14,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QRadioButton>
+#include <QScrollArea>
 #include <QSpinBox>
 
 namespace qf::ui::test {
@@ -90,6 +94,73 @@ TEST_F(DialogsTest, PropertiesShowTheChannelAndDoneStoresAddressAndTitle) {
     // An emptied title is stored as an empty text, not left as it was.
     EXPECT_FALSE(Row(0).title().isNull());
     EXPECT_EQ(Row(0).title().str(), u"");
+}
+
+// A 480x800 phone: the dialog fills the window, nothing is wider than it and the fields scroll.
+TEST_F(DialogsTest, PropertiesKeepCredentialsAndIntervalWhichARefreshAndTheStoreFileUse) {
+    qf::test::TestServer server;
+    server.addRoute({.path = "/private",
+                     .body =
+                         "<rss version=\"2.0\"><channel><title>Private</title><item>"
+                         "<title>One</title><link>http://127.0.0.1/1</link></item></channel></rss>",
+                     .basicAuth = "reader:s3cret"});
+    app().store().SetUpdateValue(2);
+    app().mainWindow()->resize(480, 800);
+    QStringList shown;
+    onDialog_ = [&](QDialog& dialog) {
+        auto& properties = dynamic_cast<ChannelPropertiesDialog&>(dialog);
+        properties.show();
+        const auto* fields = properties.findChild<QScrollArea*>();
+        EXPECT_EQ(properties.size(), QSize(480, 800));
+        EXPECT_LE(fields->widget()->minimumSizeHint().width(), fields->viewport()->width());
+        EXPECT_EQ(properties.password()->echoMode(), QLineEdit::Password);
+        // Following the options, the box offers their interval: two hours here.
+        shown << properties.userName()->text() << properties.password()->text()
+              << QString::number(properties.asOptions()->isChecked())
+              << QString::number(properties.interval()->isEnabled())
+              << QString::number(properties.interval()->value())
+              << properties.interval()->unitBox()->currentText();
+        properties.address()->setText(QString::fromStdU16String(server.url("/private")));
+        properties.userName()->setText(QStringLiteral("reader"));
+        properties.password()->setText(QStringLiteral("s3cret"));
+        properties.ownInterval()->click();
+        properties.interval()->valueBox()->setValue(30);
+        properties.interval()->unitBox()->setCurrentIndex(0);
+        properties.accept();
+        return properties.result();
+    };
+    Command(kCmdChannelProperties);
+    EXPECT_EQ(shown, (QStringList{"", "", "1", "0", "2", "hours"}));
+    EXPECT_EQ(Row(0).userName().str(), u"reader");
+    EXPECT_EQ(Row(0).password().str(), u"s3cret");
+    EXPECT_EQ(Row(0).updateValue(), 30);
+    EXPECT_EQ(Row(0).updateUnit(), kUnitMinutes);
+    // Without the credentials the server would answer 401 and the channel fail.
+    Command(kCmdDownloadChannel);
+    ASSERT_TRUE(WaitFor([this] { return Row(0).state() != kChannelUpdating; }));
+    EXPECT_EQ(Row(0).hasErrors(), 0);
+    EXPECT_EQ(Row(0).itemCount(), 1);
+
+    shown.clear();
+    onDialog_ = [&shown](QDialog& dialog) {
+        auto& properties = dynamic_cast<ChannelPropertiesDialog&>(dialog);
+        shown << properties.userName()->text() << properties.password()->text()
+              << QString::number(properties.ownInterval()->isChecked())
+              << QString::number(properties.interval()->value())
+              << properties.interval()->unitBox()->currentText();
+        properties.asOptions()->click();
+        properties.accept();
+        return properties.result();
+    };
+    Command(kCmdChannelProperties);
+    EXPECT_EQ(shown, (QStringList{"reader", "s3cret", "1", "30", "minutes"}));
+    EXPECT_EQ(Row(0).updateValue(), kIntervalNotSet);
+    EXPECT_EQ(Row(0).updateUnit(), kIntervalNotSet);
+    QuitApp();
+    EXPECT_NE(StoreFileText().find(R"(userName="reader" password="s3cret" updateValue="-1" )"
+                                   R"(updateUnit="-1")"),
+              std::string::npos)
+        << StoreFileText();
 }
 
 TEST_F(DialogsTest, OptionsMoveTheDataFolderOnlyWhenAskedToAndItCan) {
