@@ -154,6 +154,14 @@ void App::OnActivate() {
     screens_->Reactivate();
 }
 
+void App::OnPaneFocused(const QWidget* pane) {
+    screens_->FollowFocus(pane);
+}
+
+void App::OnStepPane(bool forward) {
+    screens_->StepPane(forward);
+}
+
 void App::OnDestroy() {
     menus_->CloseChannelMenu();
     if (!store_.loaded()) {

@@ -10,6 +10,7 @@
 
 class QMenu;
 class QTimer;
+class QWidget;
 
 namespace qf {
 class RefreshEngine;
@@ -48,8 +49,12 @@ public:
     void OnPrivateMessage(PrivateMessageEvent& event);
     // The Back key.
     void OnBack();
-    // The main window is active again.
+    // The main window is active or in sight again.
     void OnActivate();
+    // The keyboard focus went into one of the side-by-side panes.
+    void OnPaneFocused(const QWidget* pane);
+    // Tab (`forward`) or Shift+Tab among the side-by-side panes.
+    void OnStepPane(bool forward);
     // The main window is closing: the store is saved when it was loaded.
     void OnDestroy();
 

@@ -52,6 +52,10 @@ void AppNavigation::OpenChannel(Channel* channel) {
 }
 
 void AppNavigation::ShowChannel(Channel* channel) {
+    // Another channel's story would stand beside this channel's headlines in a wide window.
+    if (screens_.story().channel() != channel) {
+        screens_.story().Forget();
+    }
     screens_.channel().ShowChannel(channel);
     screens_.Show(kChannelScreen);
 }
@@ -117,10 +121,17 @@ void AppNavigation::StepStory(bool next) {
 }
 
 void AppNavigation::OpenInBrowser(const WString& link) {
-    if (const auto address = LinkForBrowser(link)) {
-        screens_.HideForBrowser();
-        dialogs_.Open(QUrl(ToQString(*address)));
+    const auto address = LinkForBrowser(link);
+    if (!address) {
+        return;
     }
+    const QString text = ToQString(*address);
+    if (!dialogs_.Open(QUrl(text))) {
+        dialogs_.Tell(
+            QStringLiteral("No web browser could be started to open this address:\n%1").arg(text));
+        return;
+    }
+    screens_.HideForBrowser();
 }
 
 void AppNavigation::OpenLink(const QString& target) {

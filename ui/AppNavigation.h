@@ -31,7 +31,8 @@ public:
     void StepChannel(bool next);
     void ShowStory(Channel* channel, NewsItem* item);
     void StepStory(bool next);
-    // Hands a story's link to the browser, the window stepping aside for it.
+    // Hands a story's link to the browser, the window stepping aside for it; when no browser
+    // starts, the user is told and the window stays.
     void OpenInBrowser(const WString& link);
     // A link in a page; nothing for an empty target.
     void OpenLink(const QString& target);

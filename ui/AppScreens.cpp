@@ -11,6 +11,8 @@
 #include "ui/StoryScreen.h"
 #include "ui/WelcomeScreen.h"
 
+#include <algorithm>
+
 namespace qf::ui {
 
 AppScreens::AppScreens(MainWindow& window, ChannelStore& store, DeviceFamily family)
@@ -18,10 +20,8 @@ AppScreens::AppScreens(MainWindow& window, ChannelStore& store, DeviceFamily fam
       channels_(new ChannelsScreen(&window, store, family, &window)),
       channel_(new ChannelScreen(&window, store, family, &window)),
       story_(new StoryScreen(&window, store, &window)) {
-    for (QWidget* screen : {static_cast<QWidget*>(welcome_), static_cast<QWidget*>(channels_),
-                            static_cast<QWidget*>(channel_), static_cast<QWidget*>(story_)}) {
-        window_.AddScreen(screen);
-    }
+    window_.AddScreen(welcome_);
+    window_.AddPanes({channels_, channel_, story_});
     const ViewerSettings& settings = store.settings();
     for (HtmlView* view : {welcome_->view(), story_->view()}) {
         view->SetTextSize(settings.shownTextSize());
@@ -46,12 +46,48 @@ QWidget* AppScreens::Widget(Screen screen) const {
 }
 
 void AppScreens::Show(Screen screen) {
-    if (screen == current_ || Widget(screen) == nullptr) {
+    QWidget* widget = Widget(screen);
+    if (widget == nullptr || (screen == current_ && window_.currentScreen() == widget)) {
         return;
     }
-    window_.softKeys()->Load(MenuBarFor(screen));
-    window_.ShowScreen(Widget(screen));
-    current_ = screen;
+    if (screen != current_) {
+        // Set first: giving the pane the focus tells the frame of it again.
+        current_ = screen;
+        window_.softKeys()->Load(MenuBarFor(screen));
+    }
+    window_.ShowScreen(widget);
+}
+
+void AppScreens::FollowFocus(const QWidget* pane) {
+    for (const Screen screen : kPaneOrder) {
+        if (Widget(screen) == pane && screen != current_) {
+            current_ = screen;
+            window_.softKeys()->Load(MenuBarFor(screen));
+        }
+    }
+}
+
+bool AppScreens::HasContent(Screen screen) const {
+    return screen == kChannelScreen ? channel_->channel() != nullptr
+           : screen == kStoryScreen ? story_->item() != nullptr
+                                    : true;
+}
+
+void AppScreens::StepPane(bool forward) {
+    const auto* const at = std::ranges::find(kPaneOrder, current_);
+    if (at == kPaneOrder.end()) {
+        return;
+    }
+    const std::size_t count = kPaneOrder.size();
+    const auto index = static_cast<std::size_t>(at - kPaneOrder.begin());
+    // Panes with nothing opened in them are passed over.
+    for (std::size_t step = 1; step < count; ++step) {
+        const Screen next = kPaneOrder[(index + (forward ? step : count - step)) % count];
+        if (HasContent(next)) {
+            Show(next);
+            return;
+        }
+    }
 }
 
 void AppScreens::Back() {
@@ -73,8 +109,9 @@ void AppScreens::Back() {
 
 void AppScreens::Reactivate() {
     if (hiddenForBrowser_) {
-        window_.showNormal();
+        // Cleared first: showing the window again tells the frame once more.
         hiddenForBrowser_ = false;
+        window_.showNormal();
     }
     SoftKeyBar* softKeys = window_.softKeys();
     if (softKeys->isHidden()) {

@@ -23,19 +23,26 @@ class ProgressBar;
 class StoryScreen;
 class WelcomeScreen;
 
-// The four screens in the main window and which of them shows: switching screens loads the
-// screen's soft keys, Back steps towards the channels list, and the window steps aside for the
-// browser and comes back when it is active again.
+// The four screens in the main window and which of them is current: the one shown alone, or,
+// while the window is wide, the pane with the keyboard focus. Switching screens loads the
+// screen's soft keys, Back steps towards the channels list (from pane to pane when wide), Tab
+// steps between the panes, and the window steps aside for the browser and comes back when it is
+// in use again.
 class AppScreens {
 public:
     // Creates the screens in `window`, their pages as the settings of `store` ask.
     AppScreens(MainWindow& window, ChannelStore& store, DeviceFamily family);
 
     Screen current() const { return current_; }
+    // Shows the screen, or gives its pane the focus.
     void Show(Screen screen);
+    // The focus went into the pane `pane`, which becomes the current screen.
+    void FollowFocus(const QWidget* pane);
+    // The next (`forward`) or previous pane that shows something gets the focus.
+    void StepPane(bool forward);
     // The Back key: one screen back, or the window minimised from the first screens.
     void Back();
-    // The window is active again: back from the browser, the soft keys shown.
+    // The window is in use again: back from the browser, the soft keys shown.
     void Reactivate();
     // Steps aside for the browser that was handed a link.
     void HideForBrowser();
@@ -55,7 +62,13 @@ public:
     HtmlView& textView() const;
 
 private:
+    // The screens that stand side by side in a wide window, left to right.
+    static constexpr std::array<Screen, 3> kPaneOrder = {kChannelsScreen, kChannelScreen,
+                                                         kStoryScreen};
+
     QWidget* Widget(Screen screen) const;
+    // Whether the screen's pane shows anything: a channel, a story.
+    bool HasContent(Screen screen) const;
 
     MainWindow& window_;
     const ChannelStore& store_;

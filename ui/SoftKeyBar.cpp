@@ -47,7 +47,12 @@ SoftKeyBar::SoftKeyBar(CommandHandler onCommand, PopupHandler onPopup, QWidget* 
     auto* rightShortcut = new QShortcut(QKeySequence(Qt::Key_F2), this);
     rightShortcut->setContext(Qt::WindowShortcut);
     connect(rightShortcut, &QShortcut::activated, menuKey_, &QPushButton::click);
-    connect(menu_, &QMenu::aboutToShow, this, [this] { onPopup_(menu_); });
+    connect(menu_, &QMenu::aboutToShow, this, [this] {
+        if (!updatedForPopup_) {
+            onPopup_(menu_);
+        }
+        updatedForPopup_ = false;
+    });
     // Submenus pass their triggered entries up to this menu, those filled in later included.
     connect(menu_, &QMenu::triggered, this, [this](QAction* action) {
         if (const int command = CommandOf(action); command != 0) {
@@ -83,6 +88,10 @@ void AddMenuEntries(QMenu* menu, std::span<const MenuEntry> entries,
 }
 
 void SoftKeyBar::OpenMenu() {
+    // Entries come, go and change their text as the menu is brought up to date, so it is
+    // measured only afterwards.
+    onPopup_(menu_);
+    updatedForPopup_ = true;
     const QSize wanted = menu_->sizeHint();
     const QPoint corner = menuKey_->mapToGlobal(QPoint(menuKey_->width() - wanted.width(), 0));
     menu_->popup(

@@ -31,7 +31,7 @@ public:
     QPushButton* menuKey() const { return menuKey_; }
     QMenu* menu() const { return menu_; }
 
-    // Opens the menu above the "Menu" key.
+    // Brings the menu up to date and opens it flush above the "Menu" key, right-aligned with it.
     void OpenMenu();
 
 private:
@@ -39,6 +39,8 @@ private:
     PopupHandler onPopup_;
     int resource_ = 0;
     int leftCommand_ = 0;
+    // OpenMenu brought the menu up to date already; the menu's own notice need not again.
+    bool updatedForPopup_ = false;
     QPushButton* leftKey_;
     QPushButton* menuKey_;
     QMenu* menu_;

@@ -2,6 +2,7 @@
 
 #include "platform/SettingsFile.h"
 #include "platform/Text.h"
+#include "ui/QtText.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -16,6 +17,8 @@ namespace {
 
 constexpr std::string_view kSection = "Window";
 constexpr std::array<std::string_view, 4> kKeys = {"X", "Y", "Width", "Height"};
+// The pane widths, in pixels, separated by spaces.
+constexpr std::string_view kPanesKey = "Panes";
 // A phone held upright.
 constexpr int kFirstWidth = 360;
 constexpr int kFirstHeight = 640;
@@ -58,13 +61,35 @@ void RestoreGeometry(QWidget& window) {
     window.resize(size);
 }
 
-bool SaveGeometry(const QWidget& window) {
+QList<int> StoredPaneSizes(int count) {
+    const auto file = ReadSettingsFile();
+    const auto value = file ? file->Value(kSection, kPanesKey) : std::nullopt;
+    if (!value) {
+        return {};
+    }
+    QList<int> sizes;
+    for (const QString& part : ToQString(*value).split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        sizes << part.toInt();
+    }
+    const bool usable =
+        sizes.size() == count && std::ranges::all_of(sizes, [](int size) { return size > 0; });
+    return usable ? sizes : QList<int>();
+}
+
+bool SaveGeometry(const QWidget& window, const QList<int>& paneSizes) {
     const QRect frame =
         window.normalGeometry().isValid() ? window.normalGeometry() : window.geometry();
     const std::array<int, 4> values = {frame.x(), frame.y(), frame.width(), frame.height()};
-    return UpdateSettingsFile([&values](IniFile& file) {
+    QStringList panes;
+    for (int size : paneSizes) {
+        panes << QString::number(size);
+    }
+    return UpdateSettingsFile([&values, &panes](IniFile& file) {
         for (std::size_t i = 0; i < kKeys.size(); ++i) {
             file.SetValue(kSection, kKeys[i], AsciiToUtf16(std::to_string(values[i])));
+        }
+        if (!panes.isEmpty()) {
+            file.SetValue(kSection, kPanesKey, panes.join(QLatin1Char(' ')).toStdU16String());
         }
     });
 }

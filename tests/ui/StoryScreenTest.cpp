@@ -138,5 +138,34 @@ TEST_F(StoryScreenTest, LinksGoToTheBrowserWhileTheWindowIsMinimised) {
     EXPECT_TRUE(view->toPlainText().isEmpty());
 }
 
+// Without a window manager nothing tells the window it is active again; being restored or
+// given the focus is enough.
+TEST_F(StoryScreenTest, WindowComesBackFromTheBrowserAndStaysWhenNoBrowserStarts) {
+    StartWithStories();
+    OpenChannel(0);
+    OpenStory(0);
+    MainWindow* window = app().mainWindow();
+    const auto readOnline = [&] {
+        Command(kCmdReadOnline);
+        ASSERT_TRUE(window->isMinimized());
+        ASSERT_TRUE(window->softKeys()->isHidden());
+    };
+    readOnline();
+    window->showNormal();
+    EXPECT_FALSE(window->softKeys()->isHidden());
+    readOnline();
+    storyScreen()->view()->clearFocus();
+    storyScreen()->view()->setFocus();
+    EXPECT_FALSE(window->isMinimized());
+    EXPECT_FALSE(window->softKeys()->isHidden());
+
+    browserStarts_ = false;
+    Command(kCmdReadOnline);
+    EXPECT_EQ(told_, QStringList{"No web browser could be started to open this address:\n"
+                                 "http://127.0.0.1/a"});
+    EXPECT_FALSE(window->isMinimized());
+    EXPECT_FALSE(window->softKeys()->isHidden());
+}
+
 } // namespace
 } // namespace qf::ui::test

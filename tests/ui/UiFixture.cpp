@@ -45,7 +45,7 @@ App& UiFixture::StartApp(DeviceFamily family) {
     dialogs.about = [this] { told_ << QStringLiteral("About"); };
     dialogs.open = [this](const QUrl& address) {
         opened_ << address;
-        return true;
+        return browserStarts_;
     };
     dialogs.run = [this](QDialog& dialog) {
         if (auto* wizard = dynamic_cast<AddChannelWizard*>(&dialog); wizard != nullptr && wizard_) {

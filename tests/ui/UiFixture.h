@@ -93,6 +93,8 @@ protected:
     QStringList asked_;
     bool answer_ = true;
     QList<QUrl> opened_;
+    // Whether a browser starts for the addresses handed to the desktop.
+    bool browserStarts_ = true;
     // Plays the user's part in the program's own dialogs; without it they are cancelled.
     std::function<int(QDialog&)> onDialog_;
     // The same for the add-channel wizard, which is shown first; Finish accepts it.
