@@ -6,6 +6,7 @@
 #include "model/ViewerSettings.h"
 #include "platform/StringTable.h"
 #include "ui/DialogParts.h"
+#include "ui/IntervalEdit.h"
 #include "ui/QtText.h"
 #include "ui/Theme.h"
 #include "ui/WaitCursor.h"
@@ -20,17 +21,11 @@
 
 namespace qf::ui {
 
-namespace {
-
-constexpr int kLargestUpdateValue = 999;
-
-} // namespace
-
 OptionsDialog::OptionsDialog(ChannelStore& store, Question ask, Message tell, QWidget* parent)
     : QDialog(parent), store_(store), ask_(std::move(ask)), tell_(std::move(tell)),
       volumes_(new QComboBox(this)),
       autoUpdate_(new QCheckBox(QStringLiteral("Update channels automatically"), this)),
-      updateValue_(new QSpinBox(this)), updateUnit_(new QComboBox(this)),
+      interval_(new IntervalEdit(this)),
       showImages_(new QCheckBox(QStringLiteral("Show pictures in stories"), this)),
       theme_(new QComboBox(this)) {
     setWindowTitle(QStringLiteral("Options"));
@@ -52,30 +47,33 @@ OptionsDialog::OptionsDialog(ChannelStore& store, Question ask, Message tell, QW
     SizeLikeHandheldDialog(this);
 }
 
+QSpinBox* OptionsDialog::updateValue() const {
+    return interval_->valueBox();
+}
+
+QComboBox* OptionsDialog::updateUnit() const {
+    return interval_->unitBox();
+}
+
 void OptionsDialog::AddUpdateChoice(QVBoxLayout* layout) {
     layout->addWidget(autoUpdate_);
-    auto* interval = new QHBoxLayout;
-    interval->addWidget(new QLabel(QStringLiteral("Every"), this));
-    updateValue_->setRange(1, kLargestUpdateValue);
-    interval->addWidget(updateValue_);
-    updateUnit_->addItems(
-        {QStringLiteral("minutes"), QStringLiteral("hours"), QStringLiteral("days")});
-    interval->addWidget(updateUnit_, 1);
-    layout->addLayout(interval);
-    connect(autoUpdate_, &QCheckBox::toggled, updateValue_, &QWidget::setEnabled);
-    connect(autoUpdate_, &QCheckBox::toggled, updateUnit_, &QWidget::setEnabled);
+    auto* row = new QHBoxLayout;
+    auto* every = new QLabel(QStringLiteral("Every"), this);
+    every->setBuddy(interval_->valueBox());
+    row->addWidget(every);
+    row->addWidget(interval_, 1);
+    layout->addLayout(row);
+    connect(autoUpdate_, &QCheckBox::toggled, interval_, &QWidget::setEnabled);
 }
 
 void OptionsDialog::FillUpdate() {
     autoUpdate_->setChecked(store_.autoUpdate() != 0);
-    updateValue_->setEnabled(autoUpdate_->isChecked());
-    updateUnit_->setEnabled(autoUpdate_->isChecked());
-    updateValue_->setValue(store_.updateValue());
-    const int32_t unit = store_.updateUnit();
-    // A unit the box does not offer (seconds) shows no entry.
-    updateUnit_->setCurrentIndex(unit >= kUnitMinutes && unit <= kUnitDays ? unit : -1);
-    shownValue_ = updateValue_->value();
-    shownUnit_ = updateUnit_->currentIndex();
+    interval_->setEnabled(autoUpdate_->isChecked());
+    interval_->SetInterval(store_.updateValue(), store_.updateUnit());
+    // What the boxes first show is written back only when the user changed it, so that an
+    // interval they cannot show as it is (in seconds, or of no length) survives an unrelated Done.
+    shownValue_ = interval_->value();
+    shownUnit_ = interval_->unit();
 }
 
 void OptionsDialog::FillVolumes() {
@@ -123,11 +121,11 @@ void OptionsDialog::accept() {
 // The store has no changed mark: it is saved whole when the program ends.
 void OptionsDialog::StoreUpdate() {
     store_.SetAutoUpdate(autoUpdate_->isChecked() ? 1 : 0);
-    if (updateValue_->value() != shownValue_) {
-        store_.SetUpdateValue(updateValue_->value());
+    if (interval_->value() != shownValue_) {
+        store_.SetUpdateValue(interval_->value());
     }
-    if (updateUnit_->currentIndex() != shownUnit_) {
-        store_.SetUpdateUnit(updateUnit_->currentIndex());
+    if (interval_->unit() != shownUnit_) {
+        store_.SetUpdateUnit(interval_->unit());
     }
 }
 

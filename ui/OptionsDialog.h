@@ -16,6 +16,8 @@ class ChannelStore;
 
 namespace qf::ui {
 
+class IntervalEdit;
+
 // The reader's options. Where the channels data is kept: main memory or a storage card; choosing
 // another volume and confirming the question moves the whole data folder there and makes it the
 // volume in use, while a move that is refused or fails keeps the volume in use, and the user is
@@ -33,9 +35,9 @@ public:
 
     QComboBox* volumes() const { return volumes_; }
     QCheckBox* autoUpdate() const { return autoUpdate_; }
-    QSpinBox* updateValue() const { return updateValue_; }
+    QSpinBox* updateValue() const;
     // Minutes, hours, days: the entries stand for the store's units of the same numbers.
-    QComboBox* updateUnit() const { return updateUnit_; }
+    QComboBox* updateUnit() const;
     QCheckBox* showImages() const { return showImages_; }
     // Follow the desktop, light, dark: the entries stand for the Theme values of the same numbers.
     QComboBox* theme() const { return theme_; }
@@ -57,14 +59,13 @@ private:
     Message tell_;
     QComboBox* volumes_;
     QCheckBox* autoUpdate_;
-    QSpinBox* updateValue_;
-    QComboBox* updateUnit_;
+    IntervalEdit* interval_;
     QCheckBox* showImages_;
     QComboBox* theme_;
     // The interval as the boxes showed it on opening: the store keeps a value the boxes cannot
     // show (a unit of seconds, a value below 1) unless the user changes it.
-    int shownValue_ = 0;
-    int shownUnit_ = 0;
+    int32_t shownValue_ = 0;
+    int32_t shownUnit_ = 0;
 };
 
 } // namespace qf::ui
