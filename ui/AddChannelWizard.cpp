@@ -2,7 +2,6 @@
 
 #include "model/ChannelStore.h"
 #include "platform/StringTable.h"
-#include "ui/EditMenu.h"
 #include "ui/EnterUrlPage.h"
 #include "ui/HowToAddPage.h"
 #include "ui/PickChannelsPage.h"
@@ -40,10 +39,6 @@ AddChannelWizard::AddChannelWizard(ChannelStore& store, DeviceFamily family, QWi
     setPage(kEnterUrlPage, enterUrl_);
     setPage(kPickOpmlPage, pickOpml_);
     setStartId(kHowToAddPage);
-    for (QWidget* page : {static_cast<QWidget*>(howToAdd_), static_cast<QWidget*>(pickChannels_),
-                          static_cast<QWidget*>(enterUrl_), static_cast<QWidget*>(pickOpml_)}) {
-        EditMenu::AttachToPage(page);
-    }
     TakeOverBackButton();
 }
 

@@ -3,6 +3,7 @@
 #include "ui/AboutBox.h"
 #include "ui/AddChannelWizard.h"
 #include "ui/ChannelPropertiesDialog.h"
+#include "ui/EditMenu.h"
 #include "ui/OptionsDialog.h"
 
 #include <QDesktopServices>
@@ -41,6 +42,7 @@ UserDialogs WithDefaults(UserDialogs dialogs) {
 AppDialogs::AppDialogs(UserDialogs hooks) : hooks_(WithDefaults(std::move(hooks))) {}
 
 int AppDialogs::Run(QDialog& dialog, QWidget& window) const {
+    AttachEditMenus(&dialog);
     const int result = hooks_.run(dialog);
     // Without a window manager (a kiosk handheld) nobody else gives the keyboard back.
     window.activateWindow();

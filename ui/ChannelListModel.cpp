@@ -1,5 +1,6 @@
 #include "ui/ChannelListModel.h"
 
+#include "model/Channel.h"
 #include "model/ChannelListOrder.h"
 #include "model/ChannelStore.h"
 #include "ui/QtText.h"
@@ -8,6 +9,27 @@
 #include <algorithm>
 
 namespace qf::ui {
+
+namespace {
+
+// What a screen reader says after the counts: that the channel is being updated, or why its last
+// update failed (the time of the failure follows the message, as the channel screen shows it).
+QString StateInWords(const Channel& channel, int32_t state) {
+    if (state == kChannelUpdating) {
+        return QStringLiteral("updating");
+    }
+    if (state != kChannelFailed && channel.hasErrors() == 0) {
+        return {};
+    }
+    QString error = ToQString(channel.errorText().view());
+    const qsizetype at = error.indexOf(QLatin1Char('@'));
+    if (at >= 0) {
+        error.replace(at, 1, QStringLiteral(", "));
+    }
+    return error.isEmpty() ? QStringLiteral("update failed") : error;
+}
+
+} // namespace
 
 void ChannelListModel::Fill(const ChannelStore& store, int32_t categoryFilter, bool unreadOnly) {
     beginResetModel();
@@ -41,7 +63,7 @@ bool ChannelListModel::RefreshIcon(const Channel* channel) {
         return false;
     }
     rows_[static_cast<std::size_t>(row)].icon = channel->state();
-    emit dataChanged(index(row), index(row), {kIconRole});
+    emit dataChanged(index(row), index(row), {kIconRole, Qt::AccessibleDescriptionRole});
     return true;
 }
 
@@ -76,7 +98,10 @@ QVariant ChannelListModel::data(const QModelIndex& index, int role) const {
     const Row& row = rows_[static_cast<std::size_t>(index.row())];
     switch (role) {
     case Qt::DisplayRole:
+    case Qt::AccessibleTextRole:
         return row.title;
+    case Qt::AccessibleDescriptionRole:
+        return Description(row);
     case kChannelRole:
         return QVariant::fromValue(static_cast<void*>(row.channel));
     case kIconRole:
@@ -90,6 +115,22 @@ QVariant ChannelListModel::data(const QModelIndex& index, int role) const {
     default:
         return {};
     }
+}
+
+QString ChannelListModel::Description(const Row& row) {
+    const QString state = StateInWords(*row.channel, row.icon);
+    const QString counts = CountsInWords(row.unread, row.total);
+    return state.isEmpty() ? counts : counts + QStringLiteral(", ") + state;
+}
+
+QString CountsInWords(int32_t unread, int32_t total) {
+    if (total == 0) {
+        return QStringLiteral("no stories");
+    }
+    return QStringLiteral("%1 unread of %2 %3")
+        .arg(unread)
+        .arg(total)
+        .arg(total == 1 ? QStringLiteral("story") : QStringLiteral("stories"));
 }
 
 QString CountText(int32_t unread, int32_t total, bool unreadAlone) {

@@ -12,7 +12,8 @@ class ChannelStore;
 namespace qf::ui {
 
 // The rows of the channels list: one per channel, each with the title and counts it was given
-// when it was inserted or last updated, and the icon of the channel's state.
+// when it was inserted or last updated, and the icon of the channel's state. A screen reader
+// hears the title as the row's name and the counts and state in words as its description.
 class ChannelListModel : public QAbstractListModel {
     Q_OBJECT
 
@@ -57,6 +58,7 @@ private:
     };
 
     static Row MakeRow(Channel* channel);
+    static QString Description(const Row& row);
 
     std::vector<Row> rows_;
 };
@@ -64,5 +66,8 @@ private:
 // The count text of a row: nothing with no stories, else "unread/total", or the unread count
 // alone on a narrow Smartphone screen.
 QString CountText(int32_t unread, int32_t total, bool unreadAlone);
+// The counts as a screen reader says them: "3 unread of 12 stories", "1 unread of 1 story", or
+// "no stories".
+QString CountsInWords(int32_t unread, int32_t total);
 
 } // namespace qf::ui

@@ -1,10 +1,10 @@
 #include "ui/ChannelRowDelegate.h"
 
 #include "ui/ChannelListModel.h"
+#include "ui/RowList.h"
 #include "ui/SvgImages.h"
 #include "ui/UiScale.h"
 
-#include <QApplication>
 #include <QPainter>
 #include <algorithm>
 
@@ -24,9 +24,16 @@ QFont BoldFont(const QFont& font) {
 
 } // namespace
 
-ChannelRowDelegate::ChannelRowDelegate(std::function<bool()> unreadAlone, QWidget* list)
-    : QStyledItemDelegate(list), unreadAlone_(std::move(unreadAlone)) {
+ChannelRowDelegate::ChannelRowDelegate(const ChannelListModel* model,
+                                       std::function<bool()> unreadAlone, QWidget* list)
+    : QStyledItemDelegate(list), model_(model), unreadAlone_(std::move(unreadAlone)) {
     LoadIcons(list);
+    // Any change of the rows may change the widest count.
+    const auto forget = [this] { countWidth_ = -1; };
+    connect(model, &QAbstractItemModel::modelReset, this, forget);
+    connect(model, &QAbstractItemModel::dataChanged, this, forget);
+    connect(model, &QAbstractItemModel::rowsInserted, this, forget);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, forget);
 }
 
 void ChannelRowDelegate::LoadIcons(const QWidget* list) {
@@ -38,8 +45,28 @@ void ChannelRowDelegate::LoadIcons(const QWidget* list) {
 }
 
 int ChannelRowDelegate::CountWidth(const QFont& listFont) const {
-    const QString sample = unreadAlone_() ? QStringLiteral("XXX") : QStringLiteral("XXX/XXX");
-    return QFontMetrics(BoldFont(listFont)).horizontalAdvance(sample);
+    const bool alone = unreadAlone_();
+    if (countWidth_ >= 0 && countFont_ == listFont && countAlone_ == alone) {
+        return countWidth_;
+    }
+    const QFontMetrics bold(BoldFont(listFont));
+    const QString sample = alone ? QStringLiteral("XXX") : QStringLiteral("XXX/XXX");
+    int width = bold.horizontalAdvance(sample);
+    int widest = 0;
+    for (int row = 0; row < model_->rowCount(); ++row) {
+        const QModelIndex index = model_->index(row);
+        widest = std::max(widest, bold.horizontalAdvance(CountText(
+                                      index.data(ChannelListModel::kUnreadRole).toInt(),
+                                      index.data(ChannelListModel::kTotalRole).toInt(), alone)));
+    }
+    if (widest > 0) {
+        // Half an "x" either side keeps a long count apart from the title.
+        width = std::max(width, widest + bold.horizontalAdvance(QLatin1Char('x')));
+    }
+    countWidth_ = width;
+    countFont_ = listFont;
+    countAlone_ = alone;
+    return width;
 }
 
 int ChannelRowDelegate::RowHeight(const QFont& listFont) const {
@@ -80,13 +107,8 @@ void ChannelRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
                   index.data(ChannelListModel::kTotalRole).toInt(), unreadAlone_());
     painter->drawText(counts, Qt::AlignCenter | Qt::TextSingleLine, countText);
 
-    if (option.state.testFlag(QStyle::State_HasFocus)) {
-        QStyleOptionFocusRect focus;
-        focus.QStyleOption::operator=(option);
-        focus.backgroundColor = selected ? palette.highlight().color() : palette.base().color();
-        QApplication::style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter);
-    }
     painter->restore();
+    PaintCurrentRowFrame(painter, option);
 }
 
 } // namespace qf::ui

@@ -10,6 +10,7 @@
 #include "ui/PageContexts.h"
 #include "ui/PrivateMessages.h"
 #include "ui/ProgressBar.h"
+#include "ui/QtText.h"
 #include "ui/RowList.h"
 
 #include <QKeyEvent>
@@ -30,6 +31,7 @@ ChannelScreen::ChannelScreen(QObject* frame, ChannelStore& store, DeviceFamily f
     banner_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     banner_->setFocusPolicy(Qt::NoFocus);
     SetUpRowList(list_, model_, delegate_);
+    list_->setAccessibleName(QStringLiteral("Headlines"));
     list_->installEventFilter(this);
     progress_->hide();
     setFocusProxy(list_);
@@ -77,6 +79,8 @@ void ChannelScreen::FollowRefresh(const std::vector<std::unique_ptr<NewsItem>>& 
 }
 
 void ChannelScreen::ShowBanner() {
+    banner_->setAccessibleName(channel_ == nullptr ? QString()
+                                                   : PlainTextOfHtml(channel_->title().view()));
     if (channel_ == nullptr) {
         banner_->SetPage(std::nullopt, true);
         return;

@@ -23,11 +23,13 @@ ChannelsScreen::ChannelsScreen(QObject* frame, ChannelStore& store, DeviceFamily
                                QWidget* parent)
     : QWidget(parent), frame_(frame), store_(store), family_(family), list_(new QListView(this)),
       model_(new ChannelListModel(this)),
-      delegate_(new ChannelRowDelegate([this] { return unreadCountAlone(); }, list_)),
+      delegate_(new ChannelRowDelegate(
+          model_, [this] { return unreadCountAlone(); }, list_)),
       progress_(new ProgressBar(store, this)) {
     setObjectName(QStringLiteral("QFCategoryWnd"));
     list_->setObjectName(QString::number(kCtlChannelList));
     SetUpRowList(list_, model_, delegate_);
+    list_->setAccessibleName(QStringLiteral("Channels"));
     list_->setContextMenuPolicy(Qt::CustomContextMenu);
     list_->installEventFilter(this);
     setFocusProxy(list_);

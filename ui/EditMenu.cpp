@@ -3,8 +3,11 @@
 #include "platform/StringTable.h"
 #include "ui/QtText.h"
 
+#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
@@ -29,19 +32,34 @@ bool ClipboardHasText() {
 EditMenu::EditMenu(QWidget* owner) : QObject(owner), owner_(owner) {
     hold_.setSingleShot(true);
     hold_.setInterval(QGuiApplication::styleHints()->mousePressAndHoldInterval());
-    connect(&hold_, &QTimer::timeout, this, [this] {
-        if (holdBox_ != nullptr) {
-            Show(holdBox_, holdPoint_);
-        }
-    });
+    connect(&hold_, &QTimer::timeout, this, &EditMenu::OpenOnHold);
 }
 
-EditMenu* EditMenu::AttachToPage(QWidget* page) {
-    auto* editMenu = new EditMenu(page);
-    for (QLineEdit* box : page->findChildren<QLineEdit*>()) {
-        editMenu->Attach(box);
+EditMenu::~EditMenu() = default;
+
+EditMenu* AttachEditMenus(QWidget* root) {
+    auto* editMenu = root->findChild<EditMenu*>(QString(), Qt::FindDirectChildrenOnly);
+    if (editMenu == nullptr) {
+        editMenu = new EditMenu(root);
     }
+    editMenu->AttachUnder(root);
     return editMenu;
+}
+
+void EditMenu::AttachUnder(QWidget* root) {
+    root->installEventFilter(this);
+    AttachBoxes(root);
+}
+
+void EditMenu::AttachBoxes(QWidget* root) {
+    for (QLineEdit* box : root->findChildren<QLineEdit*>()) {
+        Attach(box);
+    }
+    // A spin box keeps the keyboard focus for the text box inside it.
+    for (QAbstractSpinBox* spin : root->findChildren<QAbstractSpinBox*>()) {
+        spin->setContextMenuPolicy(Qt::PreventContextMenu);
+        spin->installEventFilter(this);
+    }
 }
 
 void EditMenu::Attach(QLineEdit* box) {
@@ -91,43 +109,108 @@ void EditMenu::Show(QLineEdit* box, QPoint point) {
     menu()->popup(box->mapToGlobal(point));
 }
 
-void EditMenu::StartHold(QLineEdit* box, QPoint point) {
+bool EditMenu::eventFilter(QObject* watched, QEvent* event) {
+    if (auto* box = qobject_cast<QLineEdit*>(watched)) {
+        return FilterMouse(box, event) || FilterRequest(box, box, event);
+    }
+    if (auto* spin = qobject_cast<QAbstractSpinBox*>(watched)) {
+        auto* box = spin->findChild<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly);
+        return box != nullptr && FilterRequest(spin, box, event);
+    }
+    if (event->type() == QEvent::Show && watched->isWidgetType()) {
+        AttachBoxes(static_cast<QWidget*>(watched));
+    }
+    return false;
+}
+
+bool EditMenu::FilterRequest(QWidget* watched, QLineEdit* box, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const bool menuKey = key->key() == Qt::Key_Menu ||
+                             (key->key() == Qt::Key_F10 && key->modifiers() == Qt::ShiftModifier);
+        if (menuKey) {
+            Show(box, box->inputMethodQuery(Qt::ImCursorRectangle).toRect().bottomLeft());
+        }
+        return menuKey;
+    }
+    if (event->type() == QEvent::ContextMenu) {
+        // A text box has opened the menu on the right button's press already; what is left is
+        // the keyboard's request, or a click on a spin box's arrows.
+        const auto* request = static_cast<QContextMenuEvent*>(event);
+        if (request->reason() != QContextMenuEvent::Mouse || watched != box) {
+            Show(box, box->mapFrom(watched, request->pos()));
+        }
+        return true;
+    }
+    // Focus taken by another box ends a hold; the window merely losing its activation does not,
+    // as the button is still down.
+    if (event->type() == QEvent::FocusOut &&
+        static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason) {
+        hold_.stop();
+        heldPress_.reset();
+    }
+    return false;
+}
+
+bool EditMenu::FilterMouse(QLineEdit* box, QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (passingPress_ ||
+        (type != QEvent::MouseButtonPress && type != QEvent::MouseMove &&
+         type != QEvent::MouseButtonRelease && type != QEvent::MouseButtonDblClick)) {
+        return false;
+    }
+    const auto& mouse = static_cast<const QMouseEvent&>(*event);
+    if (type == QEvent::MouseButtonPress) {
+        PassHeldPress();
+        if (mouse.button() == Qt::RightButton) {
+            Show(box, mouse.position().toPoint());
+        } else if (mouse.button() == Qt::LeftButton) {
+            HoldBack(box, mouse);
+            return true;
+        }
+        return false;
+    }
+    if (heldPress_ == nullptr) {
+        const bool swallow = type == QEvent::MouseButtonRelease && swallowRelease_;
+        swallowRelease_ = false;
+        return swallow;
+    }
+    const QPoint moved = mouse.position().toPoint() - heldPress_->position().toPoint();
+    if (type == QEvent::MouseMove &&
+        moved.manhattanLength() <= QGuiApplication::styleHints()->startDragDistance()) {
+        // Still held where it was pressed: it may yet become a hold.
+        return true;
+    }
+    PassHeldPress();
+    return false;
+}
+
+void EditMenu::HoldBack(QLineEdit* box, const QMouseEvent& press) {
     holdBox_ = box;
-    holdPoint_ = point;
+    heldPress_.reset(static_cast<QMouseEvent*>(press.clone()));
+    swallowRelease_ = false;
     hold_.start();
 }
 
-bool EditMenu::eventFilter(QObject* watched, QEvent* event) {
-    auto* box = qobject_cast<QLineEdit*>(watched);
-    if (box == nullptr) {
-        return false;
+void EditMenu::PassHeldPress() {
+    hold_.stop();
+    const std::unique_ptr<QMouseEvent> press = std::move(heldPress_);
+    if (press == nullptr || holdBox_ == nullptr) {
+        return;
     }
-    switch (event->type()) {
-    case QEvent::MouseButtonPress: {
-        const auto* press = static_cast<QMouseEvent*>(event);
-        if (press->button() == Qt::RightButton) {
-            Show(box, press->position().toPoint());
-        } else if (press->button() == Qt::LeftButton) {
-            StartHold(box, press->position().toPoint());
-        }
-        break;
+    passingPress_ = true;
+    QCoreApplication::sendEvent(holdBox_, press.get());
+    passingPress_ = false;
+}
+
+void EditMenu::OpenOnHold() {
+    if (heldPress_ == nullptr || holdBox_ == nullptr) {
+        return;
     }
-    case QEvent::MouseMove: {
-        const auto* move = static_cast<QMouseEvent*>(event);
-        if ((move->position().toPoint() - holdPoint_).manhattanLength() >
-            QGuiApplication::styleHints()->startDragDistance()) {
-            hold_.stop();
-        }
-        break;
-    }
-    case QEvent::MouseButtonRelease:
-    case QEvent::FocusOut:
-        hold_.stop();
-        break;
-    default:
-        break;
-    }
-    return false;
+    const QPoint point = heldPress_->position().toPoint();
+    heldPress_.reset();
+    swallowRelease_ = true;
+    Show(holdBox_, point);
 }
 
 void EditMenu::Cut(QLineEdit* box) {

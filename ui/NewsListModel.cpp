@@ -128,6 +128,10 @@ QVariant NewsListModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
         return row.text;
+    case Qt::AccessibleTextRole:
+        return messageMode_ ? row.text.section(QLatin1Char('@'), 0, 0) : row.text;
+    case Qt::AccessibleDescriptionRole:
+        return Description(row);
     case kItemRole:
         return QVariant::fromValue(static_cast<void*>(row.item));
     case kReadRole:
@@ -137,6 +141,21 @@ QVariant NewsListModel::data(const QModelIndex& index, int role) const {
     default:
         return {};
     }
+}
+
+QString NewsListModel::Description(const Row& row) const {
+    if (messageMode_) {
+        // The time of the failure, which the row shows apart from the message.
+        return row.text.section(QLatin1Char('@'), 1);
+    }
+    QStringList parts;
+    if (const QString date = ToQString(row.item->date().FormatShortLocal()); !date.isEmpty()) {
+        parts << date;
+    }
+    if (row.item->read() != 1) {
+        parts << QStringLiteral("unread");
+    }
+    return parts.join(QStringLiteral(", "));
 }
 
 } // namespace qf::ui

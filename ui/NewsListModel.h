@@ -21,7 +21,9 @@ int32_t NewsSortParameter(int32_t key, int32_t direction);
 int CompareNews(const NewsItem* a, const NewsItem* b, int32_t parameter);
 
 // The rows of a channel's news list: one per story shown, in the channel's stored order until
-// sorted, or a single message row with the channel's error text when its last update failed.
+// sorted, or a single message row with the channel's error text when its last update failed. A
+// screen reader hears a story's title as the row's name and its date and "unread" (while it is)
+// as the description; the message row's name is the error and its description the time of it.
 class NewsListModel : public QAbstractListModel {
     Q_OBJECT
 
@@ -54,6 +56,8 @@ private:
         NewsItem* item = nullptr;
         QString text;
     };
+
+    QString Description(const Row& row) const;
 
     std::vector<Row> rows_;
     bool messageMode_ = false;

@@ -1,11 +1,11 @@
 #include "ui/NewsRowDelegate.h"
 
 #include "ui/NewsListModel.h"
+#include "ui/RowList.h"
 #include "ui/SvgImages.h"
 #include "ui/Theme.h"
 #include "ui/UiScale.h"
 
-#include <QApplication>
 #include <QPainter>
 #include <algorithm>
 
@@ -19,6 +19,12 @@ constexpr int kStoryLines = 2;
 constexpr int kMessageLines = 3;
 // The separator lines between rows.
 const QColor kGrey(128, 128, 128);
+
+// The room above the tallest letters within the font's height (where accents go): the height
+// less the em size.
+int InternalLeading(const QFont& font) {
+    return std::max(0, QFontMetrics(font).height() - QFontInfo(font).pixelSize());
+}
 
 int Indent(const QFont& listFont) {
     return QFontMetrics(listFont).horizontalAdvance(QLatin1Char('x')) / 2;
@@ -59,9 +65,10 @@ QFont NewsRowDelegate::BoldFont(const QFont& listFont) {
 }
 
 int NewsRowDelegate::RowHeight(const QFont& listFont, bool messageMode) const {
-    const QFontMetrics bold(BoldFont(listFont));
+    const QFont font = BoldFont(listFont);
+    const QFontMetrics bold(font);
     const int lines = messageMode ? kMessageLines : kStoryLines;
-    return std::max(bold.height() * lines + bold.leading(), iconSize_ + 2);
+    return std::max(bold.height() * lines + InternalLeading(font), iconSize_ + 2);
 }
 
 QSize NewsRowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {
@@ -81,7 +88,7 @@ void NewsRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
         PaintStory(painter, option, index);
     }
     painter->restore();
-    PaintFocus(painter, option);
+    PaintCurrentRowFrame(painter, option);
 }
 
 void NewsRowDelegate::PaintStory(QPainter* painter, const QStyleOptionViewItem& option,
@@ -143,18 +150,6 @@ void NewsRowDelegate::PaintMessage(QPainter* painter, const QStyleOptionViewItem
         DrawOpaque(painter, area, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
                    text.mid(at + 1), background);
     }
-}
-
-void NewsRowDelegate::PaintFocus(QPainter* painter, const QStyleOptionViewItem& option) {
-    if (!option.state.testFlag(QStyle::State_HasFocus)) {
-        return;
-    }
-    const bool selected = option.state.testFlag(QStyle::State_Selected);
-    QStyleOptionFocusRect focus;
-    focus.QStyleOption::operator=(option);
-    focus.backgroundColor =
-        selected ? option.palette.highlight().color() : option.palette.base().color();
-    QApplication::style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter);
 }
 
 } // namespace qf::ui

@@ -22,8 +22,8 @@ public:
     // The list's font made a little smaller, as the rows use it, and its bold form.
     static QFont NormalFont(const QFont& listFont);
     static QFont BoldFont(const QFont& listFont);
-    // Two lines of the bold font (three for the message row) and its leading; never less than
-    // the icon with a pixel above and below.
+    // Two lines of the bold font (three for the message row) and its internal leading (the
+    // height less the em size) once more; never less than the icon with a pixel above and below.
     int RowHeight(const QFont& listFont, bool messageMode) const;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -35,7 +35,6 @@ private:
                     const QModelIndex& index) const;
     void PaintMessage(QPainter* painter, const QStyleOptionViewItem& option,
                       const QModelIndex& index) const;
-    static void PaintFocus(QPainter* painter, const QStyleOptionViewItem& option);
 
     std::function<bool()> messageMode_;
     QPixmap icon_;

@@ -25,6 +25,10 @@ constexpr int kMinimumBarHeight = 12;
 constexpr int kControlMargin = 5;
 // How far inside a part's outer edge its colour is sampled, halfway down where the text runs.
 constexpr int kSampleInset = 2;
+// What a screen reader calls the control and the bar while the bar has no text.
+QString DefaultName() {
+    return QStringLiteral("Refresh progress");
+}
 
 // The system font a little smaller, as the handheld's controls used it.
 QFont ControlFont() {
@@ -121,21 +125,37 @@ ProgressBar::ProgressBar(ChannelStore& store, QWidget* parent)
     bar_->setFont(font());
     stopButton_->setObjectName(QString::number(kCmdStopProgress));
     stopButton_->setToolTip(QStringLiteral("Stop"));
+    stopButton_->setAccessibleName(QStringLiteral("Stop refresh"));
+    setAccessibleName(DefaultName());
+    bar_->setAccessibleName(DefaultName());
     stopButton_->setAutoRaise(true);
     connect(stopButton_, &QToolButton::clicked, this, &ProgressBar::Stop);
 }
 
 void ProgressBar::SetText(const QString& text) {
     text_ = text.left(kTextCapacity - 1);
+    bar_->setAccessibleName(text_.isEmpty() ? DefaultName() : text_);
     bar_->update();
 }
 
 void ProgressBar::SetRange(int low, int high) {
     bar_->setRange(low, high);
+    DescribeValue();
 }
 
 void ProgressBar::SetPosition(int position) {
     bar_->setValue(position);
+    DescribeValue();
+}
+
+void ProgressBar::DescribeValue() {
+    // A screen reader that does not ask for the value still hears how far the refresh has come;
+    // an empty range is a refresh whose length is not known.
+    const int range = bar_->maximum() - bar_->minimum();
+    const int done = std::clamp(bar_->value() - bar_->minimum(), 0, std::max(range, 0));
+    bar_->setAccessibleDescription(
+        range <= 0 ? QString()
+                   : QStringLiteral("%1%").arg(static_cast<long long>(done) * 100 / range));
 }
 
 int ProgressBar::BarHeight() const {

@@ -13,7 +13,8 @@ namespace qf::ui {
 
 // The thin control a screen shows along its bottom while a refresh runs: a bar with one line of
 // text drawn over it so that the text stays readable over the filled and the empty part, and a
-// square stop button that asks the refresh to stop.
+// square stop button that asks the refresh to stop. A screen reader hears the bar named by its text
+// and described by its value, and the button as "Stop refresh".
 class ProgressBar : public QWidget {
     Q_OBJECT
 
@@ -38,6 +39,7 @@ protected:
 private:
     int BarHeight() const;
     void Stop();
+    void DescribeValue();
 
     ChannelStore& store_;
     QString text_;

@@ -2,6 +2,8 @@
 
 #include <QEvent>
 #include <QListView>
+#include <QPainter>
+#include <QStyleOptionViewItem>
 
 namespace qf::ui {
 
@@ -33,6 +35,27 @@ void SetUpRowList(QListView* list, QAbstractItemModel* model, QAbstractItemDeleg
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setFrameShape(QFrame::NoFrame);
     list->viewport()->installEventFilter(new DoubleClickFilter(list));
+    QObject::connect(model, &QAbstractItemModel::modelReset, list, [list, model] {
+        if (model->rowCount() > 0) {
+            list->selectionModel()->setCurrentIndex(model->index(0, 0),
+                                                    QItemSelectionModel::NoUpdate);
+        }
+    });
+}
+
+void PaintCurrentRowFrame(QPainter* painter, const QStyleOptionViewItem& option) {
+    if (!option.state.testFlag(QStyle::State_HasFocus)) {
+        return;
+    }
+    const bool selected = option.state.testFlag(QStyle::State_Selected);
+    painter->save();
+    painter->setPen(
+        QPen(selected ? option.palette.highlightedText().color() : option.palette.text().color(), 0,
+             Qt::DotLine));
+    painter->setBrush(Qt::NoBrush);
+    // One pixel in, clear of the separator lines that the news rows draw along their edges.
+    painter->drawRect(option.rect.adjusted(1, 1, -2, -2));
+    painter->restore();
 }
 
 } // namespace qf::ui

@@ -30,6 +30,7 @@ StoryScreen::StoryScreen(QObject* frame, ChannelStore& store, QWidget* parent)
       progress_(new ProgressBar(store, this)), pictures_(new StoryPictures(store, *view_)) {
     setObjectName(QStringLiteral("QFRssItemWnd"));
     view_->setObjectName(QString::number(kCtlStoryView));
+    view_->setAccessibleName(QStringLiteral("Story"));
     progress_->hide();
     setFocusProxy(view_);
 }
@@ -41,6 +42,8 @@ void StoryScreen::ShowStory(Channel* channel, NewsItem* item) {
     channel_ = channel;
     item_ = item;
     pictures_->BeginShowing();
+    const QString title = PlainTextOfHtml(item->title().view());
+    view_->setAccessibleName(title.isEmpty() ? QStringLiteral("Story") : title);
     view_->SetPage(BuildStoryPage(*channel, *item, PageContextFor(store_)), true, BaseOf(*item));
 }
 
@@ -53,6 +56,7 @@ void StoryScreen::Forget() {
     channel_ = nullptr;
     item_ = nullptr;
     pictures_->BeginShowing();
+    view_->setAccessibleName(QStringLiteral("Story"));
     view_->SetPage(std::nullopt, true);
 }
 

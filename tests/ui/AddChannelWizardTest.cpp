@@ -164,7 +164,7 @@ TEST_F(AddChannelWizardTest, UrlPathFromTheWelcomeScreenAddsOneChannelWithThePro
         EXPECT_TRUE(wizard.button(QWizard::FinishButton)->isVisible());
         // The boxes have the clipboard menu.
         QTest::mouseClick(url, Qt::RightButton, {}, QPoint(5, 5));
-        auto* menu = wizard.enterUrlPage()->findChild<QMenu*>(QStringLiteral("EditMenu"));
+        auto* menu = wizard.findChild<QMenu*>(QStringLiteral("EditMenu"));
         ASSERT_TRUE(menu != nullptr && menu->isVisible());
         menu->close();
         QTest::keyClicks(url, QStringLiteral("http://127.0.0.1:9/typed"));

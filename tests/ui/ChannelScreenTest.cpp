@@ -1,5 +1,7 @@
 #include "NewsFixture.h"
+#include "ui/ChannelRowDelegate.h"
 #include "ui/HtmlView.h"
+#include "ui/NewsRowDelegate.h"
 #include "ui/RowTitle.h"
 #include "ui/Theme.h"
 
@@ -29,6 +31,7 @@ TEST_F(ChannelRowsTest, RowsShowCountsAndBoldWhileUnread) {
         AddTestChannel(category, u"Empty", 0, 0);
         AddTestChannel(category, u"Some unread", 3, 12);
         AddTestChannel(category, u"All read", 0, 12);
+        AddTestChannel(category, u"Busy", 1200, 1200);
     });
     StartApp({true, 12});
     EXPECT_EQ(ShownScreen(), kChannelsScreen);
@@ -48,6 +51,17 @@ TEST_F(ChannelRowsTest, RowsShowCountsAndBoldWhileUnread) {
     EXPECT_NE(data(1, ChannelListModel::kLiveUnreadRole), 0);
     EXPECT_EQ(counts(2), "0/12");
     EXPECT_EQ(data(2, ChannelListModel::kLiveUnreadRole), 0);
+    // The count column fits the widest count, never less than "XXX/XXX".
+    QListView* list = channelsScreen()->list();
+    const auto* delegate = dynamic_cast<ChannelRowDelegate*>(list->itemDelegate());
+    QFont bold = list->font();
+    bold.setBold(true);
+    EXPECT_GE(delegate->CountWidth(list->font()),
+              QFontMetrics(bold).horizontalAdvance(QStringLiteral("1200/1200")));
+    EXPECT_GE(delegate->CountWidth(list->font()),
+              QFontMetrics(bold).horizontalAdvance(QStringLiteral("XXX/XXX")));
+    ASSERT_GT(QFontMetrics(bold).horizontalAdvance(QStringLiteral("1200/1200")),
+              QFontMetrics(bold).horizontalAdvance(QStringLiteral("XXX/XXX")));
     app().mainWindow()->resize(200, 320);
     QTest::qWait(1);
     ASSERT_LT(channelsScreen()->width(), 240);
@@ -108,6 +122,11 @@ TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) 
     Command(kCmdBack);
     OpenChannel(1);
     ASSERT_EQ(Titles(), QStringList({"Failed to parse the channel@1/5/24 9:30 AM"}));
+    // Two lines of the bold font and its internal leading (its height less its em size).
+    const QFont bold = NewsRowDelegate::BoldFont(list->font());
+    const int boldHeight = QFontMetrics(bold).height();
+    ASSERT_GT(boldHeight, QFontInfo(bold).pixelSize());
+    EXPECT_EQ(storyHeight, 2 * boldHeight + boldHeight - QFontInfo(bold).pixelSize());
     // The message row has room for a third line.
     const QRect row = list->visualRect(news().model()->index(0));
     EXPECT_GT(row.height(), storyHeight * 4 / 3);
@@ -135,7 +154,21 @@ TEST_F(ChannelScreenTest, KeyboardMovesOpensGoesBackAndStepsChannels) {
     OpenChannel(0);
     QListView* list = news().list();
     ASSERT_TRUE(list->hasFocus());
-    // The first row is current once the list has the focus.
+    // The first row is current, unselected, and drawn framed in the text colour; the first Down
+    // moves on to the second.
+    ASSERT_EQ(list->currentIndex().row(), 0);
+    EXPECT_FALSE(list->selectionModel()->isSelected(list->currentIndex()));
+    const auto framed = [list](int row) {
+        const QImage shot =
+            list->viewport()->grab(list->visualRect(list->model()->index(row, 0))).toImage();
+        int marks = 0;
+        for (int y = 2; y < shot.height() - 2; ++y) {
+            marks += shot.pixelColor(1, y) == list->palette().text().color() ? 1 : 0;
+        }
+        return marks > 0;
+    };
+    EXPECT_TRUE(framed(0));
+    EXPECT_FALSE(framed(1));
     QTest::keyClick(list, Qt::Key_Down);
     QTest::keyClick(list, Qt::Key_Return);
     ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kStoryScreen; }));

@@ -179,7 +179,7 @@ protected:
     EditMenuTest() : box_(new QLineEdit(&page_)) {
         auto* layout = new QVBoxLayout(&page_);
         layout->addWidget(box_);
-        menu_ = EditMenu::AttachToPage(&page_);
+        menu_ = AttachEditMenus(&page_);
         page_.show();
         QGuiApplication::clipboard()->clear();
     }
@@ -268,15 +268,6 @@ TEST_F(EditMenuTest, CutCopyPasteAndClearMoveOnlyTheSelectionAsPlainText) {
     Choose(QStringLiteral("C&lear"));
     EXPECT_TRUE(box_->text().isEmpty());
     EXPECT_EQ(Clipboard(), "kept");
-}
-
-TEST_F(EditMenuTest, HoldingThePressOpensTheMenu) {
-    box_->setText(QStringLiteral("abc"));
-    QTest::mousePress(box_, Qt::LeftButton, {}, QPoint(4, 4));
-    EXPECT_TRUE(QTest::qWaitFor([this] { return menu_->menu()->isVisible(); }, 5000));
-    EXPECT_EQ(menu_->target(), box_);
-    menu_->menu()->close();
-    QTest::mouseRelease(box_, Qt::LeftButton, {}, QPoint(4, 4));
 }
 
 } // namespace

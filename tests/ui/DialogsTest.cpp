@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMenu>
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QSpinBox>
@@ -161,6 +162,41 @@ TEST_F(DialogsTest, PropertiesKeepCredentialsAndIntervalWhichARefreshAndTheStore
                                    R"(updateUnit="-1")"),
               std::string::npos)
         << StoreFileText();
+}
+
+// The boxes keep their selection while the menu opens, whichever way it is asked for.
+TEST_F(DialogsTest, PropertiesBoxesOpenTheEditMenuByKeysAndByAHeldPress) {
+    QStringList opened;
+    onDialog_ = [&opened](QDialog& dialog) {
+        dialog.show();
+        // Built when it is first opened.
+        const auto menu = [&dialog] {
+            return dialog.findChild<QMenu*>(QStringLiteral("EditMenu"));
+        };
+        const auto open = [&opened, menu](QLineEdit* box, const std::function<void()>& ask) {
+            box->activateWindow();
+            box->setFocus();
+            box->setSelection(0, 3);
+            ask();
+            if (WaitFor([menu] { return menu() != nullptr && menu()->isVisible(); })) {
+                opened << box->selectedText();
+                menu()->close();
+            }
+        };
+        auto& properties = dynamic_cast<ChannelPropertiesDialog&>(dialog);
+        for (QLineEdit* box : {properties.address(), properties.title()}) {
+            open(box, [box] { QTest::keyClick(box, Qt::Key_Menu); });
+            open(box, [box] { QTest::keyClick(box, Qt::Key_F10, Qt::ShiftModifier); });
+            open(box, [box] { QTest::mousePress(box, Qt::LeftButton, {}, QPoint(4, 4)); });
+            QTest::mouseRelease(box, Qt::LeftButton, {}, QPoint(4, 4));
+        }
+        // A press let go at once reaches the box as an ordinary click.
+        QTest::mouseClick(properties.title(), Qt::LeftButton, {}, QPoint(4, 4));
+        opened << properties.title()->selectedText();
+        return static_cast<int>(QDialog::Rejected);
+    };
+    Command(kCmdChannelProperties);
+    EXPECT_EQ(opened, (QStringList{"htt", "htt", "htt", "Old", "Old", "Old", ""}));
 }
 
 TEST_F(DialogsTest, OptionsMoveTheDataFolderOnlyWhenAskedToAndItCan) {
