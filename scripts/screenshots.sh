@@ -75,7 +75,7 @@ channels)
   xdotool key F2; shoot menu 1
   xdotool key Down Return; shoot refreshing 0.3
   sleep 25; shoot refreshed 0
-  xdotool key F2 Down Down Down Down Down Down Right Right; shoot categories 1
+  xdotool key F2 Down Down Right Right; shoot categories 1
   xdotool key Escape Escape Escape
   xdotool key Down Return; shoot channel 2
   hear channel

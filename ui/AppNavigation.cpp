@@ -35,8 +35,16 @@ void AppNavigation::OpenChannel(Channel* channel) {
     const auto path = DataFilePath(volume(), cacheFile);
     if (!path || !FileExists(*path)) {
         // A channel whose download failed shows why at once; it is tried again all the same,
-        // and its stories take the message's place when they come.
+        // and its stories take the message's place when they come. One that fails now opens
+        // with the reason, or, shown already, has its message brought up to date.
         const bool failed = channel->hasErrors() != 0;
+        refresh_.AwaitOpening(channel, [this, failed](Channel& updated) {
+            if (!failed) {
+                ShowChannel(&updated);
+            } else if (screens_.channel().channel() == &updated) {
+                screens_.channel().ShowChannel(&updated);
+            }
+        });
         engine_.StartChannelUpdate(*channel, 0, true,
                                    [this](Channel& updated) { ShowChannel(&updated); });
         if (failed) {
@@ -44,6 +52,7 @@ void AppNavigation::OpenChannel(Channel* channel) {
         }
         return;
     }
+    refresh_.AwaitOpening(nullptr, {});
     if (channel->items().empty()) {
         WaitCursor wait;
         LoadCachedFeed(*channel, volume());

@@ -14,6 +14,7 @@
 #include "ui/WaitCursor.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qf::ui {
 
@@ -38,8 +39,16 @@ void AppRefresh::ChannelRefreshStarted(const Channel& channel) {
     refreshingChannel_ = &channel;
 }
 
+void AppRefresh::AwaitOpening(Channel* channel, std::function<void(Channel&)> showFailed) {
+    openingChannel_ = channel;
+    showFailedOpening_ = std::move(showFailed);
+}
+
 void AppRefresh::ForgetChannel(const Channel& channel) {
     updating_.erase(&channel);
+    if (&channel == openingChannel_) {
+        AwaitOpening(nullptr, {});
+    }
     if (&channel == refreshingChannel_) {
         EndChannelRefresh();
     }
@@ -71,6 +80,23 @@ void AppRefresh::RedrawChannel(const Channel& channel) {
         if (&channel == refreshingChannel_) {
             EndChannelRefresh();
         }
+        if (&channel == openingChannel_ && channel.state() == kChannelFailed) {
+            // The error text is set just after this redraw: the channel opens once it is.
+            HandOver([this] { ShowFailedOpening(); });
+        } else if (&channel == openingChannel_) {
+            AwaitOpening(nullptr, {});
+        }
+    }
+}
+
+void AppRefresh::ShowFailedOpening() {
+    if (openingChannel_ == nullptr || openingChannel_->state() != kChannelFailed) {
+        return;
+    }
+    Channel* opened = std::exchange(openingChannel_, nullptr);
+    const auto show = std::exchange(showFailedOpening_, {});
+    if (show) {
+        show(*opened);
     }
 }
 

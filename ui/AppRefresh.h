@@ -39,6 +39,10 @@ public:
     void ChannelRefreshStarted(const Channel& channel);
     // A "Refresh Channel" ended, however: busy and the stop request are cleared.
     void EndChannelRefresh();
+    // A tap is downloading `channel` to open it: when that download fails, `showFailed` is
+    // called with it (a success opens it through its completion). A later tap replaces it; null
+    // forgets it.
+    void AwaitOpening(Channel* channel, std::function<void(Channel&)> showFailed);
     // The channel is about to be deleted: nothing here names it any longer.
     void ForgetChannel(const Channel& channel);
 
@@ -61,6 +65,7 @@ private:
                                     const std::shared_ptr<Channel::ItemList>& before);
     void ShowProgressLine(const RefreshProgress& progress);
     void HideProgressWhenIdle();
+    void ShowFailedOpening();
 
     ChannelStore& store_;
     AppScreens& screens_;
@@ -75,6 +80,9 @@ private:
     std::unique_ptr<WaitCursor> refreshCursor_;
     // The channel of a "Refresh Channel" in flight: busy is set until its update ends, however.
     const Channel* refreshingChannel_ = nullptr;
+    // The channel a tap waits for, and what shows it when its download fails.
+    Channel* openingChannel_ = nullptr;
+    std::function<void(Channel&)> showFailedOpening_;
     // Stories a refresh replaced, kept until the messages posted before the refresh that may
     // still name them have been handled.
     std::vector<std::shared_ptr<Channel::ItemList>> retiredItems_;

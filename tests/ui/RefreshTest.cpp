@@ -102,20 +102,24 @@ TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItAndAFailedRefreshEnd
     EXPECT_TRUE(WaitFor([this] { return !app().store().refresh().busy(); }));
 }
 
-TEST_F(RefreshTest, AChannelWhoseFirstDownloadFailedOpensWithItsErrorText) {
-    channelsScreen()->SelectRow(&Row(1));
-    Command(kCmdDownloadChannel);
-    ASSERT_TRUE(WaitFor([this] { return Icon(1) == kChannelFailed; }));
+TEST_F(RefreshTest, AChannelWhoseFirstDownloadFailsOpensWithItsErrorText) {
     const QListView* rows = channelsScreen()->list();
     QTest::mouseClick(rows->viewport(), Qt::LeftButton, {},
                       rows->visualRect(rows->model()->index(1, 0)).center());
     ASSERT_TRUE(WaitFor([this] { return ShownScreen() == kChannelScreen; }));
+    EXPECT_EQ(Icon(1), kChannelFailed);
     EXPECT_EQ(channelScreen()->channel(), &Row(1));
     const NewsListModel& message = *channelScreen()->model();
     ASSERT_TRUE(message.messageMode());
     EXPECT_TRUE(message.index(0).data().toString().startsWith(
         "Failed to download the channel; Error code: 404@"));
-    // It is tried again all the same.
+
+    // Opened again, it shows the reason at once and is tried again all the same.
+    Command(kCmdBack);
+    ASSERT_EQ(ShownScreen(), kChannelsScreen);
+    channelsScreen()->SelectRow(&Row(1));
+    Command(kCmdShowChannel);
+    EXPECT_EQ(ShownScreen(), kChannelScreen);
     EXPECT_TRUE(server_.awaitHits("/missing", 2));
     EXPECT_TRUE(WaitFor([this] { return Icon(1) == kChannelFailed; }));
 }
