@@ -87,7 +87,7 @@ void HtmlView::SetPage(const std::optional<std::u16string>& text, bool isHtml,
     horizontalScrollBar()->setValue(horizontalScrollBar()->minimum());
 }
 
-void HtmlView::Reload() {
+void HtmlView::ShowPageAgain() {
     const int top = verticalScrollBar()->value();
     const int left = horizontalScrollBar()->value();
     ShowKeptPage();
@@ -114,7 +114,7 @@ void HtmlView::ShowKeptPage() {
 void HtmlView::changeEvent(QEvent* event) {
     QTextBrowser::changeEvent(event);
     if (event->type() == QEvent::PaletteChange && page_) {
-        Reload();
+        ShowPageAgain();
     }
 }
 

@@ -36,7 +36,7 @@ public:
                  std::optional<QUrl> base = std::nullopt);
     // Lays the page shown out again from its text, asking for its pictures anew; the scroll
     // position stays.
-    void Reload();
+    void ShowPageAgain();
     void SetTextSize(int level);
     void SetClearType(bool on);
     void SetFitToScreen(bool on);

@@ -49,7 +49,7 @@ void StoryScreen::ShowStory(Channel* channel, NewsItem* item) {
 
 void StoryScreen::ShowPicturesAgain() {
     pictures_->BeginShowing();
-    view_->Reload();
+    view_->ShowPageAgain();
 }
 
 void StoryScreen::Forget() {
