@@ -158,6 +158,13 @@ void App::OnPaneFocused(const QWidget* pane) {
     screens_->FollowFocus(pane);
 }
 
+void App::OnPanesPlaced() {
+    // Also while the window is first laid out, before the parts exist.
+    if (screens_ != nullptr && refresh_ != nullptr) {
+        screens_->ShowProgress(refresh_->running());
+    }
+}
+
 void App::OnStepPane(bool forward) {
     screens_->StepPane(forward);
 }

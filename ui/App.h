@@ -53,6 +53,8 @@ public:
     void OnActivate();
     // The keyboard focus went into one of the side-by-side panes.
     void OnPaneFocused(const QWidget* pane);
+    // The screens were put side by side, or back one at a time.
+    void OnPanesPlaced();
     // Tab (`forward`) or Shift+Tab among the side-by-side panes.
     void OnStepPane(bool forward);
     // The main window is closing: the store is saved when it was loaded.

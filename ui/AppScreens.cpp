@@ -139,8 +139,10 @@ void AppScreens::SetLinkHandler(const std::function<void(const QString& target)>
 
 void AppScreens::ShowProgress(bool shown) {
     channels_->ShowProgress(shown);
-    channel_->ShowProgress(shown);
-    story_->ShowProgress(shown);
+    // Side by side, the channels pane's bar speaks for the whole window: three would repeat it.
+    const bool oneAtATime = !window_.panesSideBySide();
+    channel_->ShowProgress(shown && oneAtATime);
+    story_->ShowProgress(shown && oneAtATime);
 }
 
 std::array<ProgressBar*, 3> AppScreens::progressBars() const {

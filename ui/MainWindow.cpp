@@ -144,6 +144,7 @@ void MainWindow::ArrangeScreens() {
     QWidget* shown = currentScreen();
     QWidget* focused = focusWidget();
     PlacePanes(wide);
+    app_.OnPanesPlaced();
     if (shown == nullptr) {
         return;
     }

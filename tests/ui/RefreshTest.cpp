@@ -1,6 +1,7 @@
 #include "NewsFixture.h"
 #include "net/RefreshEngine.h"
 #include "support/TestServer.h"
+#include "ui/MainWindow.h"
 #include "ui/ProgressBar.h"
 
 #include <QToolButton>
@@ -98,6 +99,29 @@ TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItAndAFailedRefreshEnd
     FireAutoUpdate();
     EXPECT_TRUE(app().store().refresh().busy());
     EXPECT_TRUE(WaitFor([this] { return server_.hits("/endless") == 1; }));
+    channelsScreen()->progress()->stopButton()->click();
+    EXPECT_TRUE(WaitFor([this] { return !app().store().refresh().busy(); }));
+}
+
+// Side by side, one progress bar speaks for the window; one screen at a time, each has its own.
+TEST_F(RefreshTest, OnlyTheChannelsPaneShowsTheProgressWhenThePanesStandSideBySide) {
+    MainWindow* window = app().mainWindow();
+    const auto showing = [this] {
+        QList<bool> shown;
+        for (const QWidget* screen :
+             std::initializer_list<const QWidget*>{channelsScreen(), channelScreen()}) {
+            shown << screen->findChild<ProgressBar*>()->isVisibleTo(screen);
+        }
+        return shown;
+    };
+    window->resize(1200, 700);
+    ASSERT_TRUE(WaitFor([window] { return window->width() == 1200; }));
+    Command(kCmdRefreshAll);
+    ASSERT_TRUE(WaitFor([this] { return Icon(2) == kChannelUpdating; }));
+    EXPECT_EQ(showing(), QList<bool>({true, false}));
+    window->resize(480, 700);
+    ASSERT_TRUE(WaitFor([window] { return window->width() == 480; }));
+    EXPECT_EQ(showing(), QList<bool>({true, true}));
     channelsScreen()->progress()->stopButton()->click();
     EXPECT_TRUE(WaitFor([this] { return !app().store().refresh().busy(); }));
 }
