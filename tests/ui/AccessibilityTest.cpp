@@ -36,7 +36,7 @@ protected:
     }
 };
 
-TEST_F(AccessibilityTest, RowsSayTheirCountsDatesAndStateInWords) {
+TEST_F(AccessibilityTest, RowsSayTheirCountsDatesAndStateInWordsAndTheViewsBarAndKeysAreNamed) {
     StartWithStories();
     QListView* channels = channelsScreen()->list();
     EXPECT_EQ(Name(channels), "Channels");
@@ -63,11 +63,8 @@ TEST_F(AccessibilityTest, RowsSayTheirCountsDatesAndStateInWords) {
     Command(kCmdBack);
     OpenChannel(1);
     EXPECT_EQ(Said(headlines, 0), (QStringList{"Failed to parse the channel", "1/5/24 9:30 AM"}));
-}
-
-TEST_F(AccessibilityTest, StoryViewProgressBarAndKeysAreNamed) {
-    StartWithStories();
     EXPECT_EQ(Name(app().mainWindow()->softKeys()->menuKey()), "Menu");
+    Command(kCmdBack);
     OpenChannel(0);
     OpenStory(0);
     HtmlView* view = storyScreen()->view();

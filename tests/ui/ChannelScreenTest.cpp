@@ -51,15 +51,13 @@ TEST_F(ChannelRowsTest, RowsShowCountsAndBoldWhileUnread) {
     EXPECT_NE(data(1, ChannelListModel::kLiveUnreadRole), 0);
     EXPECT_EQ(counts(2), "0/12");
     EXPECT_EQ(data(2, ChannelListModel::kLiveUnreadRole), 0);
-    // The count column fits the widest count, never less than "XXX/XXX".
+    // The count column fits the widest count, here wider than the least width, "XXX/XXX".
     QListView* list = channelsScreen()->list();
     const auto* delegate = dynamic_cast<ChannelRowDelegate*>(list->itemDelegate());
     QFont bold = list->font();
     bold.setBold(true);
     EXPECT_GE(delegate->CountWidth(list->font()),
               QFontMetrics(bold).horizontalAdvance(QStringLiteral("1200/1200")));
-    EXPECT_GE(delegate->CountWidth(list->font()),
-              QFontMetrics(bold).horizontalAdvance(QStringLiteral("XXX/XXX")));
     ASSERT_GT(QFontMetrics(bold).horizontalAdvance(QStringLiteral("1200/1200")),
               QFontMetrics(bold).horizontalAdvance(QStringLiteral("XXX/XXX")));
     app().mainWindow()->resize(200, 320);
@@ -73,7 +71,6 @@ TEST_F(ChannelScreenTest, NewOnlySortAndMarkAllRefillTheListAndTheMenuFollows) {
     OpenChannel(0);
     EXPECT_TRUE(news().banner()->toPlainText().contains(QStringLiteral("News")));
     // The banner is drawn a size smaller than a story at the medium size.
-    EXPECT_EQ(news().banner()->textSizeLevel(), 1);
     EXPECT_LT(QFontInfo(news().banner()->font()).pixelSize(),
               QFontInfo(storyScreen()->view()->font()).pixelSize());
     EXPECT_EQ(Titles(), QStringList({"Alpha", "Bravo", "Charlie", "Delta"}));
@@ -131,18 +128,10 @@ TEST_F(ChannelScreenTest, FailedChannelShowsOnlyItsErrorInRedWithTheTimeInGrey) 
     const QRect row = list->visualRect(news().model()->index(0));
     EXPECT_GT(row.height(), storyHeight * 4 / 3);
     const QImage shot = list->viewport()->grab(row).toImage();
-    const QColor red = ErrorText(list->palette(), false);
-    const QColor grey = SecondaryText(list->palette(), false);
-    bool redLeft = false;
-    bool greyRight = false;
-    for (int y = 0; y < shot.height(); ++y) {
-        for (int x = 0; x < shot.width(); ++x) {
-            redLeft |= x < shot.width() / 3 && shot.pixelColor(x, y) == red;
-            greyRight |= x > shot.width() * 2 / 3 && shot.pixelColor(x, y) == grey;
-        }
-    }
-    EXPECT_TRUE(redLeft);
-    EXPECT_TRUE(greyRight);
+    const int third = shot.width() / 3;
+    EXPECT_TRUE(HasColour(shot, ErrorText(list->palette(), false), {0, 0, third, shot.height()}));
+    EXPECT_TRUE(HasColour(shot, SecondaryText(list->palette(), false),
+                          {shot.width() - third, 0, third, shot.height()}));
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
     QCoreApplication::processEvents();
     EXPECT_EQ(ShownScreen(), kChannelScreen);
@@ -161,11 +150,7 @@ TEST_F(ChannelScreenTest, KeyboardMovesOpensGoesBackAndStepsChannels) {
     const auto framed = [list](int row) {
         const QImage shot =
             list->viewport()->grab(list->visualRect(list->model()->index(row, 0))).toImage();
-        int marks = 0;
-        for (int y = 2; y < shot.height() - 2; ++y) {
-            marks += shot.pixelColor(1, y) == list->palette().text().color() ? 1 : 0;
-        }
-        return marks > 0;
+        return HasColour(shot, list->palette().text().color(), {1, 2, 1, shot.height() - 4});
     };
     EXPECT_TRUE(framed(0));
     EXPECT_FALSE(framed(1));

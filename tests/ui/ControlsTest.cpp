@@ -1,3 +1,4 @@
+#include "UiFixture.h"
 #include "model/ChannelStore.h"
 #include "model/DataFolder.h"
 #include "model/NewsItem.h"
@@ -64,22 +65,12 @@ TEST(ProgressBar, TextReadsOnTheColourUnderEachHalfInBothThemes) {
         progress.SetText(QStringLiteral("WWWWWWWWWWWWWWWWWWWWWWWW"));
         const QImage image = progress.bar()->grab().toImage();
         const int half = image.width() / 2;
-        const auto found = [&image](int from, int to, const QColor& colour) {
-            for (int y = 0; y < image.height(); ++y) {
-                for (int x = from; x < to; ++x) {
-                    if (image.pixelColor(x, y) == colour) {
-                        return true;
-                    }
-                }
-            }
-            return false;
-        };
-        const int middle = image.height() / 2;
-        const QColor filled = image.pixelColor(2, middle);
-        const QColor empty = image.pixelColor(image.width() - 3, middle);
+        const QColor filled = image.pixelColor(2, image.height() / 2);
+        const QColor empty = image.pixelColor(image.width() - 3, image.height() / 2);
         ASSERT_NE(filled, empty);
-        EXPECT_TRUE(found(0, half, TextOn(filled)));
-        EXPECT_TRUE(found(half, image.width(), TextOn(empty)));
+        EXPECT_TRUE(test::HasColour(image, TextOn(filled), {0, 0, half, image.height()}));
+        EXPECT_TRUE(
+            test::HasColour(image, TextOn(empty), {half, 0, image.width() - half, image.height()}));
         EXPECT_GE(ContrastRatio(TextOn(filled), filled), kMinimumTextContrast);
         EXPECT_GE(ContrastRatio(TextOn(empty), empty), kMinimumTextContrast);
     }
@@ -163,14 +154,7 @@ TEST(HtmlView, LogoShowsFromADataFolderWhosePathHoldsHashQuestionMarkAndPercent)
     HtmlView view(&frame, 0, nullptr);
     view.resize(200, 100);
     view.SetPage(page, true);
-    const QImage shot = view.grab().toImage();
-    bool red = false;
-    for (int y = 0; y < shot.height() && !red; ++y) {
-        for (int x = 0; x < shot.width() && !red; ++x) {
-            red = shot.pixelColor(x, y) == QColor(Qt::red);
-        }
-    }
-    EXPECT_TRUE(red);
+    EXPECT_TRUE(test::HasColour(view.grab().toImage(), Qt::red));
 }
 
 // A page with one text box that has the menu, and the clipboard emptied.

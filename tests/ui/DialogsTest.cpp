@@ -45,17 +45,13 @@ protected:
     // of the one in use.
     QStringList ChooseVolume(int index) {
         QStringList offered;
-        onDialog_ = [index, &offered](QDialog& dialog) {
-            QComboBox* volumes = dynamic_cast<OptionsDialog&>(dialog).volumes();
-            for (int i = 0; i < volumes->count(); ++i) {
-                offered << volumes->itemText(i);
+        RunDialog<OptionsDialog>(kCmdOptions, [index, &offered](OptionsDialog& options) {
+            for (int i = 0; i < options.volumes()->count(); ++i) {
+                offered << options.volumes()->itemText(i);
             }
-            offered << QString::number(volumes->currentIndex());
-            volumes->setCurrentIndex(index);
-            dialog.accept();
-            return dialog.result();
-        };
-        Command(kCmdOptions);
+            offered << QString::number(options.volumes()->currentIndex());
+            options.volumes()->setCurrentIndex(index);
+        });
         return offered;
     }
     bool InMainMemory(const char* file) { return std::filesystem::exists(DataFolder() / file); }
@@ -66,39 +62,16 @@ protected:
     const std::filesystem::path card_ = dir_ / "cards" / "Card";
 };
 
-TEST_F(DialogsTest, PropertiesShowTheChannelAndDoneStoresAddressAndTitle) {
-    onDialog_ = [](QDialog& dialog) {
-        dynamic_cast<ChannelPropertiesDialog&>(dialog).title()->setText(QStringLiteral("New"));
-        dialog.reject();
-        return dialog.result();
-    };
-    Command(kCmdChannelProperties);
+// A 480x800 phone: the dialog fills the window, nothing is wider than it and the fields scroll.
+TEST_F(DialogsTest, PropertiesStoreWhatDoneKeepsWhichARefreshAndTheStoreFileUse) {
+    RunDialog<ChannelPropertiesDialog>(
+        kCmdChannelProperties,
+        [](ChannelPropertiesDialog& properties) {
+            properties.title()->setText(QStringLiteral("New"));
+        },
+        false);
     EXPECT_EQ(Row(0).title().str(), u"Old title");
 
-    QStringList shown;
-    onDialog_ = [&shown](QDialog& dialog) {
-        auto& properties = dynamic_cast<ChannelPropertiesDialog&>(dialog);
-        shown << properties.windowTitle() << properties.address()->text()
-              << properties.title()->text() << properties.lastUpdated()->text();
-        properties.address()->setText(QStringLiteral("http://127.0.0.1:9/b"));
-        properties.title()->clear();
-        properties.accept();
-        return properties.result();
-    };
-    Command(kCmdChannelProperties);
-    ASSERT_EQ(shown.size(), 4);
-    EXPECT_EQ(shown[0], "Properties");
-    EXPECT_EQ(shown[1], "http://127.0.0.1:9/a");
-    EXPECT_EQ(shown[2], "Old title");
-    EXPECT_FALSE(shown[3].isEmpty());
-    EXPECT_EQ(Row(0).xmlUrl().str(), u"http://127.0.0.1:9/b");
-    // An emptied title is stored as an empty text, not left as it was.
-    EXPECT_FALSE(Row(0).title().isNull());
-    EXPECT_EQ(Row(0).title().str(), u"");
-}
-
-// A 480x800 phone: the dialog fills the window, nothing is wider than it and the fields scroll.
-TEST_F(DialogsTest, PropertiesKeepCredentialsAndIntervalWhichARefreshAndTheStoreFileUse) {
     qf::test::TestServer server;
     server.addRoute({.path = "/private",
                      .body =
@@ -108,55 +81,48 @@ TEST_F(DialogsTest, PropertiesKeepCredentialsAndIntervalWhichARefreshAndTheStore
     app().store().SetUpdateValue(2);
     app().mainWindow()->resize(480, 800);
     QStringList shown;
-    onDialog_ = [&](QDialog& dialog) {
-        auto& properties = dynamic_cast<ChannelPropertiesDialog&>(dialog);
-        properties.show();
-        const auto* fields = properties.findChild<QScrollArea*>();
-        EXPECT_EQ(properties.size(), QSize(480, 800));
+    RunDialog<ChannelPropertiesDialog>(kCmdChannelProperties, [&](ChannelPropertiesDialog& dialog) {
+        dialog.show();
+        const auto* fields = dialog.findChild<QScrollArea*>();
+        EXPECT_EQ(dialog.size(), QSize(480, 800));
         EXPECT_LE(fields->widget()->minimumSizeHint().width(), fields->viewport()->width());
-        EXPECT_EQ(properties.password()->echoMode(), QLineEdit::Password);
+        EXPECT_EQ(dialog.password()->echoMode(), QLineEdit::Password);
         // Following the options, the box offers their interval: two hours here.
-        shown << properties.userName()->text() << properties.password()->text()
-              << QString::number(properties.asOptions()->isChecked())
-              << QString::number(properties.interval()->isEnabled())
-              << QString::number(properties.interval()->value())
-              << properties.interval()->unitBox()->currentText();
-        properties.address()->setText(QString::fromStdU16String(server.url("/private")));
-        properties.userName()->setText(QStringLiteral("reader"));
-        properties.password()->setText(QStringLiteral("s3cret"));
-        properties.ownInterval()->click();
-        properties.interval()->valueBox()->setValue(30);
-        properties.interval()->unitBox()->setCurrentIndex(0);
-        properties.accept();
-        return properties.result();
-    };
-    Command(kCmdChannelProperties);
-    EXPECT_EQ(shown, (QStringList{"", "", "1", "0", "2", "hours"}));
-    EXPECT_EQ(Row(0).userName().str(), u"reader");
-    EXPECT_EQ(Row(0).password().str(), u"s3cret");
-    EXPECT_EQ(Row(0).updateValue(), 30);
-    EXPECT_EQ(Row(0).updateUnit(), kUnitMinutes);
-    // Without the credentials the server would answer 401 and the channel fail.
+        shown << dialog.address()->text() << dialog.title()->text()
+              << QString::number(dialog.lastUpdated()->text().isEmpty())
+              << dialog.userName()->text() << dialog.password()->text()
+              << QString::number(dialog.asOptions()->isChecked())
+              << QString::number(dialog.interval()->isEnabled())
+              << QString::number(dialog.interval()->value())
+              << dialog.interval()->unitBox()->currentText();
+        dialog.address()->setText(QString::fromStdU16String(server.url("/private")));
+        dialog.title()->clear();
+        dialog.userName()->setText(QStringLiteral("reader"));
+        dialog.password()->setText(QStringLiteral("s3cret"));
+        dialog.ownInterval()->click();
+        dialog.interval()->valueBox()->setValue(30);
+        dialog.interval()->unitBox()->setCurrentIndex(0);
+    });
+    EXPECT_EQ(shown, (QStringList{"http://127.0.0.1:9/a", "Old title", "0", "", "", "1", "0", "2",
+                                  "hours"}));
+    // An emptied title is stored as an empty text, not left as it was.
+    EXPECT_FALSE(Row(0).title().isNull());
+    EXPECT_EQ(Row(0).title().str(), u"");
+    // Only the new address with the credentials gets an answer other than a failure.
     Command(kCmdDownloadChannel);
     ASSERT_TRUE(WaitFor([this] { return Row(0).state() != kChannelUpdating; }));
     EXPECT_EQ(Row(0).hasErrors(), 0);
     EXPECT_EQ(Row(0).itemCount(), 1);
 
     shown.clear();
-    onDialog_ = [&shown](QDialog& dialog) {
-        auto& properties = dynamic_cast<ChannelPropertiesDialog&>(dialog);
-        shown << properties.userName()->text() << properties.password()->text()
-              << QString::number(properties.ownInterval()->isChecked())
-              << QString::number(properties.interval()->value())
-              << properties.interval()->unitBox()->currentText();
-        properties.asOptions()->click();
-        properties.accept();
-        return properties.result();
-    };
-    Command(kCmdChannelProperties);
+    RunDialog<ChannelPropertiesDialog>(kCmdChannelProperties, [&](ChannelPropertiesDialog& dialog) {
+        shown << dialog.userName()->text() << dialog.password()->text()
+              << QString::number(dialog.ownInterval()->isChecked())
+              << QString::number(dialog.interval()->value())
+              << dialog.interval()->unitBox()->currentText();
+        dialog.asOptions()->click();
+    });
     EXPECT_EQ(shown, (QStringList{"reader", "s3cret", "1", "30", "minutes"}));
-    EXPECT_EQ(Row(0).updateValue(), kIntervalNotSet);
-    EXPECT_EQ(Row(0).updateUnit(), kIntervalNotSet);
     QuitApp();
     EXPECT_NE(StoreFileText().find(R"(userName="reader" password="s3cret" updateValue="-1" )"
                                    R"(updateUnit="-1")"),
@@ -167,7 +133,7 @@ TEST_F(DialogsTest, PropertiesKeepCredentialsAndIntervalWhichARefreshAndTheStore
 // The boxes keep their selection while the menu opens, whichever way it is asked for.
 TEST_F(DialogsTest, PropertiesBoxesOpenTheEditMenuByKeysAndByAHeldPress) {
     QStringList opened;
-    onDialog_ = [&opened](QDialog& dialog) {
+    const auto play = [&opened](ChannelPropertiesDialog& dialog) {
         dialog.show();
         // Built when it is first opened.
         const auto menu = [&dialog] {
@@ -183,19 +149,17 @@ TEST_F(DialogsTest, PropertiesBoxesOpenTheEditMenuByKeysAndByAHeldPress) {
                 menu()->close();
             }
         };
-        auto& properties = dynamic_cast<ChannelPropertiesDialog&>(dialog);
-        for (QLineEdit* box : {properties.address(), properties.title()}) {
+        for (QLineEdit* box : {dialog.address(), dialog.title()}) {
             open(box, [box] { QTest::keyClick(box, Qt::Key_Menu); });
             open(box, [box] { QTest::keyClick(box, Qt::Key_F10, Qt::ShiftModifier); });
             open(box, [box] { QTest::mousePress(box, Qt::LeftButton, {}, QPoint(4, 4)); });
             QTest::mouseRelease(box, Qt::LeftButton, {}, QPoint(4, 4));
         }
         // A press let go at once reaches the box as an ordinary click.
-        QTest::mouseClick(properties.title(), Qt::LeftButton, {}, QPoint(4, 4));
-        opened << properties.title()->selectedText();
-        return static_cast<int>(QDialog::Rejected);
+        QTest::mouseClick(dialog.title(), Qt::LeftButton, {}, QPoint(4, 4));
+        opened << dialog.title()->selectedText();
     };
-    Command(kCmdChannelProperties);
+    RunDialog<ChannelPropertiesDialog>(kCmdChannelProperties, play, false);
     EXPECT_EQ(opened, (QStringList{"htt", "htt", "htt", "Old", "Old", "Old", ""}));
 }
 
@@ -234,18 +198,14 @@ TEST_F(DialogsTest, OptionsMoveTheDataFolderOnlyWhenAskedToAndItCan) {
 TEST_F(DialogsTest, OptionsKeepTheIntervalInTheStoreAndPicturesAndThemeInTheSettings) {
     QStringList shown;
     const auto choose = [this, &shown](const std::function<void(OptionsDialog&)>& play) {
-        onDialog_ = [&shown, &play](QDialog& dialog) {
-            auto& options = dynamic_cast<OptionsDialog&>(dialog);
+        RunDialog<OptionsDialog>(kCmdOptions, [&shown, &play](OptionsDialog& options) {
             shown = {options.autoUpdate()->isChecked() ? "on" : "off",
                      QString::number(options.updateValue()->value()),
                      options.updateUnit()->currentText(),
                      options.showImages()->isChecked() ? "pictures" : "none",
                      options.theme()->currentText()};
             play(options);
-            options.accept();
-            return options.result();
-        };
-        Command(kCmdOptions);
+        });
         QCoreApplication::processEvents();
     };
     const auto listBase = [this] { return channelsScreen()->list()->palette().base().color(); };

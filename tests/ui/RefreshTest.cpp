@@ -1,7 +1,6 @@
 #include "NewsFixture.h"
 #include "net/RefreshEngine.h"
 #include "support/TestServer.h"
-#include "ui/MainWindow.h"
 #include "ui/ProgressBar.h"
 
 #include <QToolButton>
@@ -105,22 +104,15 @@ TEST_F(RefreshTest, OpeningAChannelWithoutItsFeedDownloadsItAndAFailedRefreshEnd
 
 // Side by side, one progress bar speaks for the window; one screen at a time, each has its own.
 TEST_F(RefreshTest, OnlyTheChannelsPaneShowsTheProgressWhenThePanesStandSideBySide) {
-    MainWindow* window = app().mainWindow();
     const auto showing = [this] {
-        QList<bool> shown;
-        for (const QWidget* screen :
-             std::initializer_list<const QWidget*>{channelsScreen(), channelScreen()}) {
-            shown << screen->findChild<ProgressBar*>()->isVisibleTo(screen);
-        }
-        return shown;
+        return QList<bool>{channelsScreen()->progress()->isVisibleTo(channelsScreen()),
+                           channelScreen()->progress()->isVisibleTo(channelScreen())};
     };
-    window->resize(1200, 700);
-    ASSERT_TRUE(WaitFor([window] { return window->width() == 1200; }));
+    ResizeWindow(1200);
     Command(kCmdRefreshAll);
     ASSERT_TRUE(WaitFor([this] { return Icon(2) == kChannelUpdating; }));
     EXPECT_EQ(showing(), QList<bool>({true, false}));
-    window->resize(480, 700);
-    ASSERT_TRUE(WaitFor([window] { return window->width() == 480; }));
+    ResizeWindow(480);
     EXPECT_EQ(showing(), QList<bool>({true, true}));
     channelsScreen()->progress()->stopButton()->click();
     EXPECT_TRUE(WaitFor([this] { return !app().store().refresh().busy(); }));

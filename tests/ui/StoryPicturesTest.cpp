@@ -191,12 +191,8 @@ TEST_F(StoryPicturesTest, PicturesChoiceInOptionsTakesEffectAtOnceOnTheStoryShow
     ASSERT_TRUE(WaitFor([&] { return Settled() && Shown("/pic.png").size() == kPictureSize; }));
     app().SetScreen(kChannelsScreen);
     const auto choosePictures = [this](bool on) {
-        onDialog_ = [on](QDialog& dialog) {
-            dynamic_cast<OptionsDialog&>(dialog).showImages()->setChecked(on);
-            dialog.accept();
-            return dialog.result();
-        };
-        Command(kCmdOptions);
+        RunDialog<OptionsDialog>(
+            kCmdOptions, [on](OptionsDialog& options) { options.showImages()->setChecked(on); });
     };
     choosePictures(false);
     EXPECT_LE(Shown("/pic.png").width(), 1);

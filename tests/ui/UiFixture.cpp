@@ -121,4 +121,16 @@ Channel& AddTestChannel(Category& category, const std::u16string& title, int32_t
     return *category.AddChannel(std::move(channel));
 }
 
+bool HasColour(const QImage& image, const QColor& colour, QRect area) {
+    area = area.isEmpty() ? image.rect() : area & image.rect();
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            if (image.pixelColor(x, y) == colour) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 } // namespace qf::ui::test

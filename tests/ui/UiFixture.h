@@ -11,6 +11,8 @@
 #include "ui/StoryScreen.h"
 #include "ui/WelcomeScreen.h"
 
+#include <QDialog>
+#include <QImage>
 #include <QMenu>
 #include <QStringList>
 #include <QTest>
@@ -20,7 +22,6 @@
 
 #include <gtest/gtest.h>
 
-class QDialog;
 class QTimer;
 
 namespace qf::ui {
@@ -65,6 +66,22 @@ protected:
     template <class Widget> Widget* Find(const QString& name = {}) const {
         return app_->mainWindow()->findChild<Widget*>(name);
     }
+    // Runs `command`, whose dialog `play` fills in as the user would; then Done, or Cancel when
+    // `accept` is false.
+    template <class Dialog>
+    void RunDialog(int command, std::function<void(Dialog&)> play, bool accept = true) {
+        onDialog_ = [play = std::move(play), accept](QDialog& dialog) {
+            play(dynamic_cast<Dialog&>(dialog));
+            accept ? dialog.accept() : dialog.reject();
+            return dialog.result();
+        };
+        Command(command);
+    }
+    // Resizes the main window and waits until it has the new width.
+    void ResizeWindow(int width, int height = 700) {
+        app_->mainWindow()->resize(width, height);
+        ASSERT_TRUE(WaitFor([this, width] { return app_->mainWindow()->width() == width; }));
+    }
     QMenu* softKeyMenu() const { return app_->mainWindow()->softKeys()->menu(); }
     WelcomeScreen* welcomeScreen() const { return Find<WelcomeScreen>(); }
     ChannelsScreen* channelsScreen() const { return Find<ChannelsScreen>(); }
@@ -107,5 +124,8 @@ private:
 // A channel with an address, a title and counts.
 Channel& AddTestChannel(Category& category, const std::u16string& title, int32_t unread,
                         int32_t total, const std::u16string& url = u"http://127.0.0.1:9/feed");
+
+// Whether any pixel of `image` inside `area` (all of it when empty) has `colour`.
+bool HasColour(const QImage& image, const QColor& colour, QRect area = {});
 
 } // namespace qf::ui::test
