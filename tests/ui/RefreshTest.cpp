@@ -136,6 +136,7 @@ TEST_F(RefreshTest, AChannelWhoseFirstDownloadFailsOpensWithItsErrorText) {
     channelsScreen()->SelectRow(&Row(1));
     Command(kCmdShowChannel);
     EXPECT_EQ(ShownScreen(), kChannelScreen);
+    EXPECT_TRUE(channelScreen()->model()->messageMode());
     EXPECT_TRUE(server_.awaitHits("/missing", 2));
     EXPECT_TRUE(WaitFor([this] { return Icon(1) == kChannelFailed; }));
 }
