@@ -169,6 +169,11 @@ void MainWindow::PlacePanes(bool wide) {
     }
     if (wide) {
         splitter_->setSizes(keptPaneSizes_);
+        // Screen readers walk the panes in the order of the splitter's children, which moving
+        // them in leaves reversed: raising each in turn puts them left to right.
+        for (QWidget* pane : panes_) {
+            pane->raise();
+        }
     }
 }
 

@@ -1,6 +1,7 @@
 #include "NewsFixture.h"
 #include "ui/HtmlView.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QPushButton>
 #include <QSplitter>
@@ -54,6 +55,16 @@ protected:
 TEST_F(PanesTest, WideWindowShowsThePanesSideBySideAndResizingKeepsWhatIsShownAndTheFocus) {
     StartWide();
     EXPECT_EQ(Showing(), QList<Screen>({kChannelsScreen, kChannelScreen, kStoryScreen}));
+    // A screen reader meets the panes left to right too.
+    QList<const QObject*> readOrder;
+    QAccessibleInterface* panes = QAccessible::queryAccessibleInterface(splitter());
+    for (int child = 0; child < panes->childCount(); ++child) {
+        if (const QObject* pane = panes->child(child)->object();
+            !pane->inherits("QSplitterHandle")) {
+            readOrder << pane;
+        }
+    }
+    EXPECT_EQ(readOrder, QList<const QObject*>({channelsScreen(), channelScreen(), storyScreen()}));
     // Nothing opened yet: the other panes are empty rather than showing anything old.
     EXPECT_EQ(news().model()->rowCount(), 0);
     EXPECT_TRUE(storyScreen()->view()->toPlainText().isEmpty());
