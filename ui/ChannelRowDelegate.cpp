@@ -28,12 +28,34 @@ ChannelRowDelegate::ChannelRowDelegate(const ChannelListModel* model,
                                        std::function<bool()> unreadAlone, QWidget* list)
     : QStyledItemDelegate(list), model_(model), unreadAlone_(std::move(unreadAlone)) {
     LoadIcons(list);
-    // Any change of the rows may change the widest count.
+    // A new list is measured afresh; a changed row, which a refresh sends for every channel,
+    // only widens the column when its count is wider, so that the whole list is not walked each
+    // time.
     const auto forget = [this] { countWidth_ = -1; };
     connect(model, &QAbstractItemModel::modelReset, this, forget);
-    connect(model, &QAbstractItemModel::dataChanged, this, forget);
     connect(model, &QAbstractItemModel::rowsInserted, this, forget);
     connect(model, &QAbstractItemModel::rowsRemoved, this, forget);
+    connect(model, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex& first, const QModelIndex& last) {
+                if (countWidth_ >= 0) {
+                    countWidth_ =
+                        std::max(countWidth_, WidestCount(QFontMetrics(BoldFont(countFont_)),
+                                                          first.row(), last.row()));
+                }
+            });
+}
+
+int ChannelRowDelegate::WidestCount(const QFontMetrics& bold, int first, int last) const {
+    int widest = 0;
+    for (int row = first; row <= last; ++row) {
+        const QModelIndex index = model_->index(row);
+        widest =
+            std::max(widest, bold.horizontalAdvance(CountText(
+                                 index.data(ChannelListModel::kUnreadRole).toInt(),
+                                 index.data(ChannelListModel::kTotalRole).toInt(), countAlone_)));
+    }
+    // Half an "x" either side keeps a long count apart from the title.
+    return widest > 0 ? widest + bold.horizontalAdvance(QLatin1Char('x')) : 0;
 }
 
 void ChannelRowDelegate::LoadIcons(const QWidget* list) {
@@ -51,22 +73,11 @@ int ChannelRowDelegate::CountWidth(const QFont& listFont) const {
     }
     const QFontMetrics bold(BoldFont(listFont));
     const QString sample = alone ? QStringLiteral("XXX") : QStringLiteral("XXX/XXX");
-    int width = bold.horizontalAdvance(sample);
-    int widest = 0;
-    for (int row = 0; row < model_->rowCount(); ++row) {
-        const QModelIndex index = model_->index(row);
-        widest = std::max(widest, bold.horizontalAdvance(CountText(
-                                      index.data(ChannelListModel::kUnreadRole).toInt(),
-                                      index.data(ChannelListModel::kTotalRole).toInt(), alone)));
-    }
-    if (widest > 0) {
-        // Half an "x" either side keeps a long count apart from the title.
-        width = std::max(width, widest + bold.horizontalAdvance(QLatin1Char('x')));
-    }
-    countWidth_ = width;
     countFont_ = listFont;
     countAlone_ = alone;
-    return width;
+    countWidth_ =
+        std::max(bold.horizontalAdvance(sample), WidestCount(bold, 0, model_->rowCount() - 1));
+    return countWidth_;
 }
 
 int ChannelRowDelegate::RowHeight(const QFont& listFont) const {

@@ -6,6 +6,8 @@
 #include <array>
 #include <functional>
 
+class QFontMetrics;
+
 namespace qf::ui {
 
 class ChannelListModel;
@@ -28,6 +30,8 @@ public:
     // unread count stands alone), or the widest count of the list with half an "x" either side
     // when that is wider, so that no count is cut.
     int CountWidth(const QFont& listFont) const;
+    // The widest count of the rows first..last, with room either side; 0 for no rows.
+    int WidestCount(const QFontMetrics& bold, int first, int last) const;
     int RowHeight(const QFont& listFont) const;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
