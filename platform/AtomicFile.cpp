@@ -37,7 +37,8 @@ void SyncFolder(const std::filesystem::path& folder) {
 
 } // namespace
 
-bool WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
+bool WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes,
+                         bool ownerOnly) {
     std::string temp = path.string() + std::string(kPartSuffix) + "XXXXXX";
     FileDescriptor fd(::mkstemp(temp.data()));
     if (!fd.valid()) {
@@ -46,7 +47,7 @@ bool WriteFileAtomically(const std::filesystem::path& path, std::string_view byt
     // mkstemp makes the file readable by its owner only, which suits a store that holds channel
     // passwords; a file that already exists keeps the permissions its owner gave it.
     struct stat old {};
-    if (::stat(path.c_str(), &old) == 0) {
+    if (!ownerOnly && ::stat(path.c_str(), &old) == 0) {
         ::fchmod(fd.get(), old.st_mode & 07777);
     }
     const bool written = WriteAll(fd.get(), bytes) && ::fsync(fd.get()) == 0;

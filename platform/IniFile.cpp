@@ -239,6 +239,12 @@ void IniFile::SetValue(std::string_view section, std::string_view key, std::u16s
     }
 }
 
+void IniFile::RemoveKey(std::string_view section, std::string_view key) {
+    std::erase_if(lines_, [&](const Line& line) {
+        return !line.isHeader && line.section == section && line.key == key;
+    });
+}
+
 void IniFile::AppendToSection(Line keyLine) {
     const std::string& section = keyLine.section;
     auto last = lines_.end();

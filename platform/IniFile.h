@@ -24,6 +24,8 @@ public:
     // Replaces the key's line in place (dropping any repetition), or adds it at the end of the
     // section, adding the section at the end of the file when it is missing.
     void SetValue(std::string_view section, std::string_view key, std::u16string_view value);
+    // Drops every line of `key` in `section`; the section's header stays.
+    void RemoveKey(std::string_view section, std::string_view key);
 
     std::string Text() const;
 

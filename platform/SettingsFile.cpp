@@ -27,14 +27,15 @@ std::optional<IniFile> ReadSettingsFile() {
     return IniFile::Parse(*bytes);
 }
 
-bool UpdateSettingsFile(const std::function<void(IniFile&)>& change) {
+bool UpdateSettingsFile(const std::function<void(IniFile&)>& change, bool ownerOnly) {
     const auto path = SettingsFilePath();
     auto file = ReadSettingsFile();
     if (!path || !file) {
         return false;
     }
     change(*file);
-    return CreateParentDirectory(FromFsPath(*path)) && WriteFileAtomically(*path, file->Text());
+    return CreateParentDirectory(FromFsPath(*path)) &&
+           WriteFileAtomically(*path, file->Text(), ownerOnly);
 }
 
 } // namespace qf

@@ -16,6 +16,8 @@ std::optional<IniFile> ReadSettingsFile();
 // Reads the file, lets `change` set its values and writes it back whole, creating its folder.
 // Every line that `change` leaves alone stays as it was. False, and nothing written, when the
 // file cannot be read; false when it cannot be written.
-bool UpdateSettingsFile(const std::function<void(IniFile&)>& change);
+// `ownerOnly` makes the file readable by its owner only from then on, for values that open an
+// account; otherwise the file keeps the permissions it has.
+bool UpdateSettingsFile(const std::function<void(IniFile&)>& change, bool ownerOnly = false);
 
 } // namespace qf

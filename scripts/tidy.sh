@@ -14,7 +14,7 @@ cd "$QF_ROOT"
 files=("$@")
 if [ ${#files[@]} -eq 0 ]; then
   mapfile -t files < <(git ls-files -- 'platform/*.cpp' 'model/*.cpp' 'parse/*.cpp' 'net/*.cpp' \
-    'store/*.cpp' 'render/*.cpp' 'cli/*.cpp' 'ui/*.cpp')
+    'store/*.cpp' 'sync/*.cpp' 'render/*.cpp' 'cli/*.cpp' 'ui/*.cpp')
 fi
 echo "clang-tidy over ${#files[@]} files"
 log=$(mktemp)
