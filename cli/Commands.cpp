@@ -15,6 +15,8 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
     commands.push_back(MakeRemoveCommand());
     commands.push_back(MakeRefreshCommand());
     commands.push_back(MakePageCommand());
+    commands.push_back(MakeAccountCommand());
+    commands.push_back(MakeSyncCommand());
     return commands;
 }
 

@@ -18,5 +18,7 @@ std::unique_ptr<Command> MakeRemoveCommand();
 std::unique_ptr<Command> MakeRestoreCommand();
 std::unique_ptr<Command> MakeRefreshCommand();
 std::unique_ptr<Command> MakePageCommand();
+std::unique_ptr<Command> MakeAccountCommand();
+std::unique_ptr<Command> MakeSyncCommand();
 
 } // namespace qf::cli

@@ -5,6 +5,7 @@
 #include "platform/Files.h"
 #include "platform/Text.h"
 #include "store/ChannelStoreFile.h"
+#include "sync/SyncRun.h"
 
 #include <cstdio>
 
@@ -58,6 +59,8 @@ bool Session::LoadStoreFile(Access access) {
 }
 
 bool Session::SaveStore() {
+    // Read states changed by this command wait in the sync queue with their time.
+    QueueLocalChanges(store_, FeedDate::NowUtc());
     std::u16string notice;
     const bool saved = SaveAll(store_, &notice);
     if (!notice.empty()) {

@@ -7,11 +7,14 @@
 
 namespace qf::test {
 
-ChildProcess::ChildProcess(const std::string& path, const std::vector<std::string>& arguments) {
+ChildProcess::ChildProcess(const std::string& path, const std::vector<std::string>& arguments,
+                           const std::string& input) {
     // The output goes to files rather than pipes, so that a program writing much to both streams
     // never blocks on a pipe that nobody reads yet.
     const std::string outPath = (scratch_ / "out").string();
     const std::string errPath = (scratch_ / "err").string();
+    const std::string inPath = (scratch_ / "in").string();
+    WriteFileBytes(inPath, input);
     std::vector<char*> argv;
     argv.push_back(const_cast<char*>(path.c_str()));
     for (const std::string& argument : arguments) {
@@ -20,7 +23,7 @@ ChildProcess::ChildProcess(const std::string& path, const std::vector<std::strin
     argv.push_back(nullptr);
     pid_ = ::fork();
     if (pid_ == 0) {
-        const int in = ::open("/dev/null", O_RDONLY);
+        const int in = ::open(inPath.c_str(), O_RDONLY);
         const int out = ::open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         const int err = ::open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         if (in < 0 || out < 0 || err < 0 || ::dup2(in, 0) < 0 || ::dup2(out, 1) < 0 ||

@@ -16,11 +16,12 @@ struct ProgramResult {
     std::string err;
 };
 
-// A program started in the background with this process's environment, standard input empty and
-// its output kept in files, for tests that act on it while it runs.
+// A program started in the background with this process's environment, `input` as its standard
+// input and its output kept in files, for tests that act on it while it runs.
 class ChildProcess {
 public:
-    ChildProcess(const std::string& path, const std::vector<std::string>& arguments);
+    ChildProcess(const std::string& path, const std::vector<std::string>& arguments,
+                 const std::string& input = {});
     // Kills the program when it still runs.
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
