@@ -133,7 +133,10 @@ TEST_F(HttpFetcherTest, SessionPostsAFormBodyWithItsTypeAndAuthorization) {
     Serve("/form", "answered");
     const auto session = HttpSession::Open(settings.timeout);
     const std::u16string host = u"127.0.0.1";
-    HttpRequest request{.host = host, .path = u"form", .port = server->port()};
+    HttpRequest request;
+    request.host = host;
+    request.path = u"form";
+    request.port = server->port();
     request.authorization = "GoogleLogin auth=user/0a1b";
     request.formBody = "T=x&i=1&i=2&t=%C3%A9t%C3%A9";
     ASSERT_TRUE(session->Send(request, collector).headReceived);
