@@ -226,7 +226,7 @@ bool HttpFetcher::Request(const Job& job, int depth) {
     request.ifModifiedSince = lastModified;
 
     BodyWriter writer(job.settings, job.localPath, job.progress);
-    const HttpResult result = session_->Get(request, writer);
+    const HttpResult result = session_->Send(request, writer);
     writer.Finish();
     if (!result.headReceived) {
         errorCode_ = result.error;

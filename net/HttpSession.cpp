@@ -276,8 +276,8 @@ std::optional<RequestTarget> TargetOf(const HttpRequest& request) {
                          std::string(bracketed ? name.substr(1, name.size() - 2) : name)};
 }
 
-// The request's own headers: the Accept header, and the validators when it has them. A value that
-// could end the header line is never sent.
+// The request's own headers: the Accept header, the validators and the authorization when it has
+// them, and a form's content type. A value that could end the header line is never sent.
 HeaderList RequestHeaders(const HttpRequest& request) {
     curl_slist* list = curl_slist_append(nullptr, kAcceptHeader);
     const auto add = [&list](std::string_view name, std::string_view value) {
@@ -287,6 +287,12 @@ HeaderList RequestHeaders(const HttpRequest& request) {
     };
     add("If-None-Match", request.ifNoneMatch);
     add("If-Modified-Since", request.ifModifiedSince);
+    add("Authorization", request.authorization);
+    if (request.formBody) {
+        add("Content-Type", "application/x-www-form-urlencoded");
+        // No waiting for a "100 Continue" that some servers never send.
+        list = curl_slist_append(list, "Expect:");
+    }
     return HeaderList(list);
 }
 
@@ -327,6 +333,14 @@ void SetCallbacks(CURL* easy, Exchange& exchange) {
     curl_easy_setopt(easy, CURLOPT_XFERINFOFUNCTION, OnTransferInfo);
     curl_easy_setopt(easy, CURLOPT_XFERINFODATA, &exchange);
     curl_easy_setopt(easy, CURLOPT_NOPROGRESS, 0L);
+}
+
+// libcurl reads the body from the request's own storage, which outlives the transfer.
+void SetFormBody(CURL* easy, std::string_view body) {
+    curl_easy_setopt(easy, CURLOPT_POST, 1L);
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+    // Never a null pointer, which would make libcurl read the body from standard input.
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDS, body.empty() ? "" : body.data());
 }
 
 void SetCredentials(CURL* easy, std::u16string_view userName, std::u16string_view password) {
@@ -378,7 +392,7 @@ std::unique_ptr<HttpSession> HttpSession::Open(std::chrono::milliseconds timeout
     return std::unique_ptr<HttpSession>(new HttpSession(easy, timeout));
 }
 
-HttpResult HttpSession::Get(const HttpRequest& request, ResponseReceiver& receiver) {
+HttpResult HttpSession::Send(const HttpRequest& request, ResponseReceiver& receiver) {
     const std::optional<RequestTarget> target = TargetOf(request);
     if (!target) {
         return {false, kErrorNameNotResolved};
@@ -395,6 +409,9 @@ HttpResult HttpSession::Get(const HttpRequest& request, ResponseReceiver& receiv
     // Both live until the transfer is over: libcurl keeps pointers to them.
     CertificatePolicy policy{request.tolerantCertificates, target->hostName};
     SetRequest(easy, target->url, headers.get());
+    if (request.formBody) {
+        SetFormBody(easy, *request.formBody);
+    }
     SetTimeouts(easy, timeout_);
     SetCallbacks(easy, exchange);
     SetCredentials(easy, request.userName, request.password);

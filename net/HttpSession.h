@@ -67,6 +67,10 @@ struct HttpRequest {
     // Sent as If-None-Match and If-Modified-Since, byte for byte, when not empty.
     std::string_view ifNoneMatch;
     std::string_view ifModifiedSince;
+    // Sent as the Authorization header when not empty, for schemes libcurl does not speak.
+    std::string_view authorization;
+    // When set, the request is a POST of this application/x-www-form-urlencoded body.
+    std::optional<std::string_view> formBody;
 };
 
 struct HttpResult {
@@ -76,10 +80,11 @@ struct HttpResult {
     int32_t error = 0;
 };
 
-// Sends GET requests one after the other over one reused libcurl handle, so that keep-alive
-// connections carry over from one request to the next. Redirects are never followed here. Every
-// request asks for a gzip or deflate body, and receivers get it decoded, in blocks of at most
-// kBlockSize bytes. The handle keeps at most one idle connection: the one of its last request.
+// Sends requests (GET, or POST with a form body) one after the other over one reused libcurl
+// handle, so that keep-alive connections carry over from one request to the next. Redirects are
+// never followed here. Every request asks for a gzip or deflate body, and receivers get it decoded,
+// in blocks of at most kBlockSize bytes. The handle keeps at most one idle connection: the one of
+// its last request.
 class HttpSession {
 public:
     // The largest body block handed to a receiver.
@@ -95,7 +100,7 @@ public:
 
     // Blocks until the answer is complete or the receiver ended the transfer. An exception thrown
     // by the receiver ends the transfer and is rethrown here.
-    HttpResult Get(const HttpRequest& request, ResponseReceiver& receiver);
+    HttpResult Send(const HttpRequest& request, ResponseReceiver& receiver);
 
 private:
     struct EasyHandleDeleter {

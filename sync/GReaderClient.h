@@ -10,7 +10,9 @@
 
 namespace qf {
 
+class FormBody;
 class HttpSession;
+struct GReaderAnswer;
 
 // A subscription as the server lists it.
 struct ServerSubscription {
@@ -85,6 +87,20 @@ public:
     const std::u16string& errorText() const { return errorText_; }
 
 private:
+    // Clears what the previous call left.
+    void Begin();
+    GReaderAnswer Request(std::string_view target, const std::string* form);
+    // A GET under the API's path; a 401 means the login is gone.
+    bool Get(std::string_view target, std::string& body);
+    // A POST under the API's path with the edit token, fetched first when there is none and once
+    // more when the server refuses the one it gave earlier.
+    bool Post(std::string_view target, const FormBody& form, std::string& body);
+    bool FetchEditToken();
+    // Takes a 2xx answer's body; anything else is a failure with its reason.
+    bool Accept(GReaderAnswer& answer, std::string& body);
+    bool Fail(std::u16string text);
+    bool Unreadable();
+
     std::u16string server_;
     std::string authToken_;
     StopCheck stop_;

@@ -121,6 +121,45 @@ TEST_F(HttpFetcherTest, RequestNamesTheProductAndTheEntityTagLosesItsQuotes) {
     EXPECT_EQ(head.find("Authorization"), std::string::npos) << head;
 }
 
+// A form body turns the session's request into a POST that carries it, typed, with the
+// authorization header; a value that could end the header line is left out instead.
+TEST_F(HttpFetcherTest, SessionPostsAFormBodyWithItsTypeAndAuthorization) {
+    struct Collector : ResponseReceiver {
+        bool OnHead(const ResponseHead& head) override { return head.status == 200; }
+        bool OnBlock(std::string_view block) override { return body.append(block), true; }
+        bool ShouldStop() override { return false; }
+        std::string body;
+    } collector;
+    Serve("/form", "answered");
+    const auto session = HttpSession::Open(settings.timeout);
+    const std::u16string host = u"127.0.0.1";
+    HttpRequest request;
+    request.host = host;
+    request.path = u"form";
+    request.port = server->port();
+    request.authorization = "GoogleLogin auth=user/0a1b";
+    request.formBody = "T=x&i=1&i=2&t=%C3%A9t%C3%A9";
+    ASSERT_TRUE(session->Send(request, collector).headReceived);
+    EXPECT_EQ(collector.body, "answered");
+    std::string head = server->requestHead("/form");
+    EXPECT_TRUE(head.starts_with("POST /form HTTP/1.1\r\n")) << head;
+    EXPECT_NE(head.find("\r\nUser-Agent: Quillfeed/2.0.2\r\n"), std::string::npos) << head;
+    EXPECT_NE(head.find("\r\nAuthorization: GoogleLogin auth=user/0a1b\r\n"), std::string::npos)
+        << head;
+    EXPECT_NE(head.find("\r\nContent-Type: application/x-www-form-urlencoded\r\n"),
+              std::string::npos)
+        << head;
+    EXPECT_TRUE(head.ends_with("\r\n\r\nT=x&i=1&i=2&t=%C3%A9t%C3%A9")) << head;
+
+    request.authorization = "GoogleLogin auth=x\r\nX-Injected: 1";
+    request.formBody = "";
+    ASSERT_TRUE(session->Send(request, collector).headReceived);
+    head = server->requestHead("/form");
+    EXPECT_TRUE(head.starts_with("POST /form HTTP/1.1\r\n")) << head;
+    EXPECT_EQ(head.find("Authorization"), std::string::npos) << head;
+    EXPECT_EQ(head.find("X-Injected"), std::string::npos) << head;
+}
+
 // The session keeps its connection across redirects and downloads; a new session opens another.
 TEST_F(HttpFetcherTest, TwoRedirectsAreFollowedOverOneConnectionButTheThirdFailsWithItsStatus) {
     Redirect("/moved", 301, server->url("/found"));

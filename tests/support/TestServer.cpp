@@ -2,122 +2,32 @@
 
 #include "platform/Text.h"
 
-#include <csignal>
-#include <fcntl.h>
 #include <netinet/in.h>
-#include <spawn.h>
-#include <stdexcept>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace qf::test {
 
 namespace {
 
-const std::filesystem::path kScript =
-    std::filesystem::path(QF_SOURCE_DIR) / "tests" / "support" / "http_test_server.py";
-
-// The distribution's interpreter (the set-up scripts install it) when there is one: a version
-// manager's shim found first in PATH can take a second to start, and every test starts a server.
-std::string Interpreter() {
-    constexpr char kSystemPython[] = "/usr/bin/python3";
-    return ::access(kSystemPython, X_OK) == 0 ? kSystemPython : "python3";
-}
-
-// Every value crosses to the server as hexadecimal digits, so that any bytes may be sent.
-std::string Hex(std::string_view bytes) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string hex;
-    for (const char c : bytes) {
-        hex += kDigits[static_cast<unsigned char>(c) >> 4];
-        hex += kDigits[static_cast<unsigned char>(c) & 0xF];
-    }
-    return hex;
-}
-
-std::string FromHex(std::string_view hex) {
-    std::string bytes;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
-        bytes += static_cast<char>(std::stoi(std::string(hex.substr(i, 2)), nullptr, 16));
-    }
-    return bytes;
-}
-
-} // namespace
-
-TestServer::TestServer(const std::vector<TlsListener>& tls) {
-    // A server that died must fail the test, not kill the test program on the next write.
-    std::signal(SIGPIPE, SIG_IGN);
-    int input[2];
-    int output[2];
-    if (::pipe2(input, O_CLOEXEC) != 0 || ::pipe2(output, O_CLOEXEC) != 0) {
-        throw std::runtime_error("cannot make pipes for the test server");
-    }
-    std::vector<std::string> arguments{Interpreter(), kScript.string()};
+std::vector<std::string> ListenerArguments(const std::vector<TlsListener>& tls) {
+    std::vector<std::string> arguments;
     for (const auto& listener : tls) {
         arguments.push_back(listener.name + "=" + listener.certificate.string() + ":" +
                             listener.key.string());
     }
-    std::vector<char*> argv;
-    for (auto& argument : arguments) {
-        argv.push_back(argument.data());
-    }
-    argv.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-    const int spawned =
-        posix_spawnp(&pid_, arguments[0].c_str(), &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(input[0]);
-    ::close(output[1]);
-    toServer_ = input[1];
-    fromServer_ = output[0];
-    if (spawned != 0) {
-        throw std::runtime_error("cannot start python3 for the test server");
-    }
-    for (std::string line = readLine(); line != "ready"; line = readLine()) {
-        const auto space = line.find(' ');
-        ports_[line.substr(0, space)] = static_cast<uint16_t>(std::stoi(line.substr(space + 1)));
-    }
+    return arguments;
 }
 
-TestServer::~TestServer() {
-    // The end of its input ends the server.
-    ::close(toServer_);
-    ::close(fromServer_);
-    if (pid_ > 0) {
-        ::waitpid(pid_, nullptr, 0);
-    }
-}
+} // namespace
 
-std::string TestServer::readLine() {
-    for (;;) {
-        if (const auto end = pending_.find('\n'); end != std::string::npos) {
-            std::string line = pending_.substr(0, end);
-            pending_.erase(0, end + 1);
-            return line;
-        }
-        char chunk[4096];
-        const ssize_t got = ::read(fromServer_, chunk, sizeof chunk);
-        if (got <= 0) {
-            throw std::runtime_error("the test server ended");
-        }
-        pending_.append(chunk, static_cast<std::size_t>(got));
-    }
-}
+TestServer::TestServer(const std::vector<TlsListener>& tls)
+    : process_("http_test_server.py", ListenerArguments(tls)) {}
+
+TestServer::~TestServer() = default;
 
 std::string TestServer::command(const std::string& line) {
-    const std::string text = line + "\n";
-    if (::write(toServer_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
-        throw std::runtime_error("cannot talk to the test server");
-    }
-    return readLine();
+    return process_.command(line);
 }
 
 void TestServer::addRoute(const Route& route) {
@@ -153,7 +63,8 @@ std::string TestServer::requestHead(const std::string& path) {
 }
 
 void TestServer::listen(const std::string& address) {
-    ports_[address] = static_cast<uint16_t>(std::stoi(command("listen address=" + Hex(address))));
+    process_.addPort(address,
+                     static_cast<uint16_t>(std::stoi(command("listen address=" + Hex(address)))));
 }
 
 int TestServer::peakConnections(const std::string& address) {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "support/ScriptServer.h"
+
 #include <cstdint>
 #include <filesystem>
-#include <map>
 #include <string>
-#include <sys/types.h>
 #include <utility>
 #include <vector>
 
@@ -61,20 +61,15 @@ public:
     // The most connections `address` had open at the same time.
     int peakConnections(const std::string& address);
 
-    uint16_t port(const std::string& listener = "http") const { return ports_.at(listener); }
+    uint16_t port(const std::string& listener = "http") const { return process_.port(listener); }
     // "http://127.0.0.1:PORT/path", or https for an HTTPS listener; a listener named by its
     // address is reached there.
     std::u16string url(const std::string& path, const std::string& listener = "http") const;
 
 private:
     std::string command(const std::string& line);
-    std::string readLine();
 
-    pid_t pid_ = -1;
-    int toServer_ = -1;
-    int fromServer_ = -1;
-    std::string pending_;
-    std::map<std::string, uint16_t> ports_;
+    ScriptServer process_;
 };
 
 // A port on 127.0.0.1 where nothing listens.

@@ -14,7 +14,8 @@ Commands (every value in hexadecimal digits):
   hits path=             requests that path had
   await path= count=     waits (at most 30 s) for that many requests; answers how many it had
   connections            connections accepted
-  request path=          the head of the last request to that path, in hexadecimal digits
+  request path=          the head of the last request to that path, and a POST's body after it,
+                         in hexadecimal digits (any method is answered as GET would be)
 """
 
 import base64
@@ -61,6 +62,10 @@ class RecordingReader:
         self.lines.append(self.stream.readline(*args))
         return self.lines[-1]
 
+    def read(self, size):
+        self.lines.append(self.stream.read(size))
+        return self.lines[-1]
+
     def take(self):
         head, self.lines = b"".join(self.lines), []
         return head
@@ -93,6 +98,11 @@ class Handler(BaseHTTPRequestHandler):
 
     def log_message(self, *args):
         pass
+
+    def do_POST(self):
+        length = int(self.headers.get("Content-Length") or 0)
+        self.rfile.read(length)  # recorded after the head
+        self.do_GET()
 
     def do_GET(self):
         with lock:
