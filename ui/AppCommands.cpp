@@ -255,8 +255,8 @@ void AppCommands::EditChannelProperties(int) {
 }
 
 void AppCommands::ChooseOptions(int) {
-    // A refresh writes into the data folder; moving the folder under it would leave its files
-    // behind on the old volume.
+    // A refresh or a sync writes into the data folder; moving the folder under it would leave its
+    // files behind on the old volume.
     if (sync_.running()) {
         dialogs_.Tell(QStringLiteral("Please wait until the sync has finished."));
         return;

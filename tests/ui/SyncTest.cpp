@@ -48,13 +48,14 @@ TEST_F(SyncTest, AFailedSyncTellsWhyAndLeavesTheStoreAsItWas) {
     Command(kCmdSyncNow);
     EXPECT_TRUE(app().store().refresh().busy());
     EXPECT_TRUE(channelsScreen()->progressShown());
-    // A second sync, or a refresh, waits for this one.
+    // A second sync and the Options wait for this one; the refresh command would stop it.
     Command(kCmdSyncNow);
-    EXPECT_EQ(told_, QStringList{"Please wait until the sync has finished."});
+    Command(kCmdOptions);
+    EXPECT_EQ(told_, QStringList(2, "Please wait until the sync has finished."));
     OpenMenu();
     EXPECT_EQ(MenuEntry(kCmdRefreshAll)->text(), "Stop Refresh");
 
-    ASSERT_TRUE(WaitFor([this] { return told_.size() == 2; }));
+    ASSERT_TRUE(WaitFor([this] { return told_.size() == 3; }));
     EXPECT_TRUE(told_.back().startsWith("Sync failed: ")) << told_.back().toStdString();
     EXPECT_FALSE(app().store().refresh().busy());
     EXPECT_FALSE(channelsScreen()->progressShown());
