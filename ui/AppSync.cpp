@@ -188,6 +188,8 @@ void AppSync::Report(bool applied) {
     } else if (run_->loginRejected()) {
         dialogs_.Tell(QStringLiteral("The server no longer accepts the login. Log in again in "
                                      "Options."));
+    } else if (report.errors.empty()) {
+        dialogs_.Tell(QStringLiteral("Sync failed."));
     } else {
         dialogs_.Tell(
             QStringLiteral("Sync failed: %1").arg(JoinTexts(report.errors, QStringLiteral("\n"))));
