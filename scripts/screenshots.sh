@@ -75,17 +75,19 @@ channels)
   xdotool key F2; shoot menu 1
   xdotool key Down Return; shoot refreshing 0.3
   sleep 25; shoot refreshed 0
-  xdotool key F2 Down Down Right Right; shoot categories 1
+  xdotool key F2 Down Down Down Right Right; shoot categories 1
   xdotool key Escape Escape Escape
   xdotool key Down Return; shoot channel 2
   hear channel
   xdotool key Down Return; shoot story 2
   hear story
   xdotool key Escape Escape; sleep 1
-  xdotool key F2 Down Down Down Down Down Return; shoot properties 2
+  xdotool key F2 Down Down Down Down Down Down Return; shoot properties 2
   xdotool key Escape; sleep 1
-  xdotool key F2 Down Down Down Down Down Down Down Down Down Return; shoot options 2
+  xdotool key F2 Down Down Down Down Down Down Down Down Down Down Return; shoot options 2
   xdotool key Escape; sleep 1
+  xdotool key F2 Down Down Return; shoot sync 1
+  xdotool key Return; sleep 1
   xdotool key F1; shoot wizard 2
   xdotool key Escape
   ;;

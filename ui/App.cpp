@@ -6,12 +6,14 @@
 #include "platform/Files.h"
 #include "store/ChannelStoreFile.h"
 #include "store/StoreBackups.h"
+#include "sync/SyncRun.h"
 #include "ui/AppCommands.h"
 #include "ui/AppMenus.h"
 #include "ui/AppMessages.h"
 #include "ui/AppNavigation.h"
 #include "ui/AppRefresh.h"
 #include "ui/AppScreens.h"
+#include "ui/AppSync.h"
 #include "ui/MainWindow.h"
 #include "ui/QtText.h"
 #include "ui/Theme.h"
@@ -36,6 +38,7 @@ App::~App() {
     if (refresh_) {
         refresh_->DropQueuedCompletions();
     }
+    sync_.reset();
     engine_.reset();
     mainWindow_.reset();
 }
@@ -69,9 +72,11 @@ void App::CreateParts() {
     screens_ = std::make_unique<AppScreens>(*mainWindow_, store_, family_);
     refresh_ = std::make_unique<AppRefresh>(store_, *screens_);
     engine_ = std::make_unique<RefreshEngine>(store_, *refresh_);
+    sync_ =
+        std::make_unique<AppSync>(AppSync::Parts{store_, *screens_, *refresh_, *engine_, dialogs_});
     navigation_ = std::make_unique<AppNavigation>(store_, *screens_, *refresh_, *engine_, dialogs_);
     commands_ = std::make_unique<AppCommands>(AppCommands::Parts{
-        store_, *screens_, *navigation_, *refresh_, *engine_, dialogs_, family_});
+        store_, *screens_, *navigation_, *refresh_, *engine_, *sync_, dialogs_, family_});
     menus_ = std::make_unique<AppMenus>(store_, *screens_,
                                         [this](int command) { OnCommand(kCtlNone, command); });
     messages_ =
@@ -171,10 +176,14 @@ void App::OnStepPane(bool forward) {
 
 void App::OnDestroy() {
     menus_->CloseChannelMenu();
+    WaitCursor wait;
+    // What a sync under way exchanged is not applied: the store is saved as it is, and the
+    // local changes stay queued for the next sync.
+    sync_->StopAndWait();
     if (!store_.loaded()) {
         return;
     }
-    WaitCursor wait;
+    QueueLocalChanges(store_, FeedDate::NowUtc());
     std::u16string notice;
     const bool saved = SaveAll(store_, &notice);
     screens_->Show(kChannelsScreen);
@@ -192,6 +201,8 @@ void App::OnAutoUpdateTimer() {
     const bool wasBusy = store_.refresh().busy();
     engine_->OnAutoUpdateTimer();
     if (!wasBusy && store_.refresh().busy()) {
+        // The refresh saved the read states as it started.
+        QueueLocalChanges(store_, FeedDate::NowUtc());
         refresh_->RefreshAllStarted();
     }
 }

@@ -24,12 +24,14 @@ class AppMessages;
 class AppNavigation;
 class AppRefresh;
 class AppScreens;
+class AppSync;
 class MainWindow;
 class PrivateMessageEvent;
 
 // The application frame: owns the channel store, the refresh engine, the main window with its
 // four screens, and the parts that run the commands, keep the menus, answer the private messages
-// and show the refresh; loads the store at start and saves it and the settings at exit.
+// and show the refresh and the sync; loads the store at start and saves it and the settings at
+// exit.
 class App : public QObject {
     Q_OBJECT
 
@@ -83,6 +85,8 @@ private:
     // Outlives the engine, whose workers hand work over to it until the engine is gone.
     std::unique_ptr<AppRefresh> refresh_;
     std::unique_ptr<RefreshEngine> engine_;
+    // Hands its result over through refresh_, so it goes first.
+    std::unique_ptr<AppSync> sync_;
     std::unique_ptr<AppNavigation> navigation_;
     std::unique_ptr<AppCommands> commands_;
     std::unique_ptr<AppMenus> menus_;

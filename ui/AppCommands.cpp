@@ -5,10 +5,12 @@
 #include "platform/StringTable.h"
 #include "store/CachedFeeds.h"
 #include "store/ChannelStoreFile.h"
+#include "sync/SyncRun.h"
 #include "ui/AppDialogs.h"
 #include "ui/AppNavigation.h"
 #include "ui/AppRefresh.h"
 #include "ui/AppScreens.h"
+#include "ui/AppSync.h"
 #include "ui/ChannelScreen.h"
 #include "ui/ChannelsScreen.h"
 #include "ui/HelpPage.h"
@@ -42,7 +44,7 @@ int TextSizeOf(int command) {
 
 AppCommands::AppCommands(const Parts& parts)
     : store_(parts.store), screens_(parts.screens), navigation_(parts.navigation),
-      refresh_(parts.refresh), engine_(parts.engine), dialogs_(parts.dialogs),
+      refresh_(parts.refresh), engine_(parts.engine), sync_(parts.sync), dialogs_(parts.dialogs),
       family_(parts.family) {}
 
 std::u16string_view AppCommands::volume() const {
@@ -103,8 +105,14 @@ void AppCommands::RefreshAll(int) {
         return;
     }
     if (engine_.StartRefreshAll(true)) {
+        // The refresh saved the read states as it started.
+        QueueLocalChanges(store_, FeedDate::NowUtc());
         refresh_.RefreshAllStarted();
     }
+}
+
+void AppCommands::SyncNow(int) {
+    sync_.Start();
 }
 
 void AppCommands::NewChannel(int) {
@@ -126,7 +134,7 @@ void AppCommands::DeleteChannel(int) {
     if (screens_.story().channel() == channel) {
         screens_.story().Forget();
     }
-    refresh_.ForgetChannel(*channel);
+    refresh_.ForgetChannel(channel);
     // The store owns the channel; it goes here.
     store_.RemoveChannel(channel);
 }
@@ -151,6 +159,7 @@ void AppCommands::MarkAll(int command) {
             }
         }
     }
+    QueueLocalChanges(store_, FeedDate::NowUtc());
     screens_.RefillChannels();
 }
 
@@ -211,6 +220,7 @@ void AppCommands::MarkChannel(int command) {
         return;
     }
     MarkAllItems(*channel, command == kCmdMarkAllRead, volume());
+    QueueLocalChanges(store_, FeedDate::NowUtc());
     if (store_.newHeadlines() != 0) {
         screens_.channel().ShowChannel(channel);
     } else {
@@ -245,8 +255,12 @@ void AppCommands::EditChannelProperties(int) {
 }
 
 void AppCommands::ChooseOptions(int) {
-    // A refresh writes into the data folder; moving the folder under it would leave its files
-    // behind on the old volume.
+    // A refresh or a sync writes into the data folder; moving the folder under it would leave its
+    // files behind on the old volume.
+    if (sync_.running()) {
+        dialogs_.Tell(QStringLiteral("Please wait until the sync has finished."));
+        return;
+    }
     if (refresh_.running()) {
         dialogs_.Tell(QStringLiteral("Please wait until the refresh has finished."));
         return;

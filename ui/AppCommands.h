@@ -17,6 +17,7 @@ class AppDialogs;
 class AppNavigation;
 class AppRefresh;
 class AppScreens;
+class AppSync;
 
 // Every command of the menus, soft keys and accelerators, each run on the screens it belongs to.
 class AppCommands {
@@ -27,6 +28,7 @@ public:
         AppNavigation& navigation;
         AppRefresh& refresh;
         RefreshEngine& engine;
+        AppSync& sync;
         const AppDialogs& dialogs;
         DeviceFamily family;
     };
@@ -58,6 +60,7 @@ private:
     void ToggleClearType(int command);
     void ToggleFitToScreen(int command);
     void RefreshAll(int command);
+    void SyncNow(int command);
     void NewChannel(int command);
     void DeleteChannel(int command);
     void ShowSelectedChannel(int command);
@@ -80,6 +83,7 @@ private:
     AppNavigation& navigation_;
     AppRefresh& refresh_;
     RefreshEngine& engine_;
+    AppSync& sync_;
     const AppDialogs& dialogs_;
     DeviceFamily family_;
 };

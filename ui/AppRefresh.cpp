@@ -44,12 +44,12 @@ void AppRefresh::AwaitOpening(Channel* channel, std::function<void(Channel&)> sh
     showFailedOpening_ = std::move(showFailed);
 }
 
-void AppRefresh::ForgetChannel(const Channel& channel) {
-    updating_.erase(&channel);
-    if (&channel == openingChannel_) {
+void AppRefresh::ForgetChannel(const Channel* channel) {
+    updating_.erase(channel);
+    if (channel == openingChannel_) {
         AwaitOpening(nullptr, {});
     }
-    if (&channel == refreshingChannel_) {
+    if (channel == refreshingChannel_) {
         EndChannelRefresh();
     }
     if (screens_.story().channel() == nullptr) {
@@ -173,8 +173,17 @@ void AppRefresh::RefreshAllStarted() {
     screens_.ShowProgress(true);
 }
 
+void AppRefresh::SetSyncRunning(bool running) {
+    syncRunning_ = running;
+    if (running) {
+        screens_.ShowProgress(true);
+    } else {
+        HideProgressWhenIdle();
+    }
+}
+
 void AppRefresh::HideProgressWhenIdle() {
-    if (updating_.empty() && !refreshAllRunning_) {
+    if (!running()) {
         screens_.ShowProgress(false);
     }
 }

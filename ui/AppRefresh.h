@@ -32,9 +32,12 @@ public:
     // From here on completions that are still queued are dropped.
     void DropQueuedCompletions();
 
-    // Whether a refresh of all channels runs or any channel is being updated.
-    bool running() const { return refreshAllRunning_ || !updating_.empty(); }
+    // Whether a refresh of all channels or a sync runs, or any channel is being updated.
+    bool running() const { return refreshAllRunning_ || syncRunning_ || !updating_.empty(); }
     void RefreshAllStarted();
+    // A sync shows the progress control from its start to its end, whatever channels update
+    // meanwhile.
+    void SetSyncRunning(bool running);
     // A "Refresh Channel" of `channel` began: the wait cursor shows until its update ends.
     void ChannelRefreshStarted(const Channel& channel);
     // A "Refresh Channel" ended, however: busy and the stop request are cleared.
@@ -43,8 +46,9 @@ public:
     // called with it (a success opens it through its completion). A later tap replaces it; null
     // forgets it.
     void AwaitOpening(Channel* channel, std::function<void(Channel&)> showFailed);
-    // The channel is about to be deleted: nothing here names it any longer.
-    void ForgetChannel(const Channel& channel);
+    // The channel is about to be deleted, or was: nothing here names it any longer. Only the
+    // address is used.
+    void ForgetChannel(const Channel* channel);
 
     // The live story for one that a message names, which a refresh may have replaced since.
     NewsItem* LiveStory(const Channel& channel, NewsItem* item) const;
@@ -76,6 +80,7 @@ private:
     // control shows while either is so.
     std::set<const Channel*> updating_;
     bool refreshAllRunning_ = false;
+    bool syncRunning_ = false;
     // Shown from "Refresh Channel" until the shown channel's update ends.
     std::unique_ptr<WaitCursor> refreshCursor_;
     // The channel of a "Refresh Channel" in flight: busy is set until its update ends, however.

@@ -53,6 +53,10 @@ enum CommandId : int {
 inline constexpr int kCmdFirstCategory = 41000;
 inline constexpr int kMaxCategoryEntries = 100;
 
+// Commands the handheld program never had take numbers from 42000 on, clear of its own and of
+// the category entries.
+inline constexpr int kCmdSyncNow = 42000;
+
 constexpr bool IsCategoryEntry(int command) {
     return command >= kCmdFirstCategory && command < kCmdFirstCategory + kMaxCategoryEntries;
 }

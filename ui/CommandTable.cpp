@@ -23,6 +23,7 @@ std::span<const AppCommands::Route> AppCommands::Routes() {
         {kWelcomeScreen, kCmdContinue, &AppCommands::LeaveWelcome},
 
         {kChannelsScreen, kCmdRefreshAll, &AppCommands::RefreshAll},
+        {kChannelsScreen, kCmdSyncNow, &AppCommands::SyncNow},
         {kChannelsScreen, kCmdNew, &AppCommands::NewChannel},
         {kChannelsScreen, kCmdDeleteChannel, &AppCommands::DeleteChannel},
         {kChannelsScreen, kCmdShowChannel, &AppCommands::ShowSelectedChannel},

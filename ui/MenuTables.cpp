@@ -56,6 +56,7 @@ constexpr std::array kMenuTexts = std::to_array<MenuTextEntry>({
     {kCmdFitToScreen, u"Fit to Screen"},
     {kCmdClearType, u"ClearType"},
     {kCmdTextLargest, u"Largest"},
+    {kCmdSyncNow, u"Sync Now"},
 });
 
 constexpr MenuEntry Command(int id, int stringId = 0) {
@@ -99,6 +100,7 @@ constexpr MenuEntry kChannelsViewEntries[] = {
 
 constexpr MenuEntry kChannelsMenu[] = {
     Command(kCmdRefreshAll),
+    Command(kCmdSyncNow),
     Separator(),
     Command(kCmdShowChannel),
     Command(kCmdDownloadChannel),

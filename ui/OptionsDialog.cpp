@@ -8,6 +8,7 @@
 #include "ui/DialogParts.h"
 #include "ui/IntervalEdit.h"
 #include "ui/QtText.h"
+#include "ui/SyncAccountBox.h"
 #include "ui/Theme.h"
 #include "ui/WaitCursor.h"
 
@@ -27,7 +28,7 @@ OptionsDialog::OptionsDialog(ChannelStore& store, Question ask, Message tell, QW
       autoUpdate_(new QCheckBox(QStringLiteral("Update channels automatically"), this)),
       interval_(new IntervalEdit(this)),
       showImages_(new QCheckBox(QStringLiteral("Show pictures in stories"), this)),
-      theme_(new QComboBox(this)) {
+      theme_(new QComboBox(this)), account_(new SyncAccountBox(tell_, this)) {
     setWindowTitle(QStringLiteral("Options"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(BoldLabel(QStringLiteral("Store channels data:"), this));
@@ -38,6 +39,7 @@ OptionsDialog::OptionsDialog(ChannelStore& store, Question ask, Message tell, QW
     theme_->addItems(
         {QStringLiteral("Follow the desktop"), QStringLiteral("Light"), QStringLiteral("Dark")});
     layout->addWidget(theme_);
+    layout->addWidget(account_);
     layout->addStretch();
     layout->addWidget(DoneCancelButtons(this));
     FillVolumes();

@@ -17,13 +17,14 @@ class ChannelStore;
 namespace qf::ui {
 
 class IntervalEdit;
+class SyncAccountBox;
 
 // The reader's options. Where the channels data is kept: main memory or a storage card; choosing
 // another volume and confirming the question moves the whole data folder there and makes it the
 // volume in use, while a move that is refused or fails keeps the volume in use, and the user is
 // told. Whether and how often all channels are updated by themselves, kept in the store; whether
 // stories show their pictures and which colours the program draws in, kept in the settings and
-// shown at once.
+// shown at once. The sync account, logged in to or out of at once.
 class OptionsDialog : public QDialog {
     Q_OBJECT
 
@@ -41,6 +42,7 @@ public:
     QCheckBox* showImages() const { return showImages_; }
     // Follow the desktop, light, dark: the entries stand for the Theme values of the same numbers.
     QComboBox* theme() const { return theme_; }
+    SyncAccountBox* account() const { return account_; }
     // The volume an entry stands for: "\" for main memory, "\" + the card's name otherwise.
     std::u16string VolumeOf(int entry) const;
 
@@ -62,6 +64,7 @@ private:
     IntervalEdit* interval_;
     QCheckBox* showImages_;
     QComboBox* theme_;
+    SyncAccountBox* account_;
     // The interval as the boxes showed it on opening: the store keeps a value the boxes cannot
     // show (a unit of seconds, a value below 1) unless the user changes it.
     int32_t shownValue_ = 0;
