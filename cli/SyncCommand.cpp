@@ -58,16 +58,16 @@ private:
     static bool Exchange(SyncRun& run, ChannelStore& store) {
         ProgressLine line;
         const StopOnInterrupt stop(store);
-        const bool exchanged = run.Exchange(
-            [&store] { return store.refresh().stopRequested() != 0; },
-            [&line](std::u16string_view stage, int32_t done, int32_t total) {
-                RefreshProgress progress;
-                progress.title = u"Sync";
-                progress.stageText = stage;
-                progress.bytesSoFar = done;
-                progress.totalBytes = total > 0 ? total : -1;
-                line.Report(progress);
-            });
+        const bool exchanged =
+            run.Exchange([&store] { return store.refresh().stopRequested() != 0; },
+                         [&line](std::u16string_view stage, int32_t done, int32_t total) {
+                             RefreshProgress progress;
+                             progress.title = u"Sync";
+                             progress.stageText = stage;
+                             progress.bytesSoFar = done;
+                             progress.totalBytes = total > 0 ? total : -1;
+                             line.Report(progress);
+                         });
         line.Finish();
         if (stop.interrupted()) {
             PrintError(u"Sync stopped.");
@@ -78,8 +78,8 @@ private:
     static void PrintLines(const SyncReport& report) {
         PrintLine("Subscriptions: " + Count(report.addedLocally) + " added here, " +
                   Count(report.addedOnServer) + " added on the server, " +
-                  Count(report.removedLocally) + " removed here, " +
-                  Count(report.removedOnServer) + " removed on the server");
+                  Count(report.removedLocally) + " removed here, " + Count(report.removedOnServer) +
+                  " removed on the server");
         PrintLine("Read states: " + Count(report.readStatesSent) + " sent, " +
                   Count(report.readStatesReceived) + " received");
         for (const auto& title : report.kept) {

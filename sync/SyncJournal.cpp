@@ -45,9 +45,12 @@ Json ToJson(const SyncJournal& journal) {
         changes.push_back(
             Json::array({change.at, Utf8(change.feed), Utf8(change.story), change.read}));
     }
-    return Json{{"version", kJournalVersion},  {"server", Utf8(journal.server)},
-                {"user", Utf8(journal.user)},  {"syncedAt", journal.syncedAt},
-                {"subscriptions", subscriptions}, {"items", items},
+    return Json{{"version", kJournalVersion},
+                {"server", Utf8(journal.server)},
+                {"user", Utf8(journal.user)},
+                {"syncedAt", journal.syncedAt},
+                {"subscriptions", subscriptions},
+                {"items", items},
                 {"changes", changes}};
 }
 
@@ -60,10 +63,11 @@ void FromJson(const Json& json, SyncJournal& journal) {
     }
     for (const auto& item : json.at("items")) {
         const int agreed = item.at(3).get<int>();
-        journal.items[item.at(0).get<uint64_t>()] = {
-            item.at(1).get<std::string>(), Utf16(item.at(2)),
-            agreed == 0 ? SyncJournal::Agreed::kUnread
-                        : agreed == 1 ? SyncJournal::Agreed::kRead : SyncJournal::Agreed::kUnknown};
+        journal.items[item.at(0).get<uint64_t>()] = {item.at(1).get<std::string>(),
+                                                     Utf16(item.at(2)),
+                                                     agreed == 0   ? SyncJournal::Agreed::kUnread
+                                                     : agreed == 1 ? SyncJournal::Agreed::kRead
+                                                                   : SyncJournal::Agreed::kUnknown};
     }
     for (const auto& change : json.at("changes")) {
         journal.changes.push_back({change.at(0).get<int64_t>(), Utf16(change.at(1)),

@@ -37,8 +37,8 @@ struct SyncJournal {
 
     // A read state changed here, not sent yet.
     struct Change {
-        int64_t at = 0; // FeedDate ticks
-        std::u16string feed; // SubscriptionKey of the channel's address
+        int64_t at = 0;       // FeedDate ticks
+        std::u16string feed;  // SubscriptionKey of the channel's address
         std::u16string story; // the story's key (its link, else its guid)
         bool read = false;
     };
