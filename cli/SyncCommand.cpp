@@ -59,7 +59,7 @@ private:
         ProgressLine line;
         const StopOnInterrupt stop(store);
         const bool exchanged =
-            run.Exchange([&store] { return store.refresh().stopRequested() != 0; },
+            run.Exchange([&store] { return store.refresh().stopRequested(); },
                          [&line](std::u16string_view stage, int32_t done, int32_t total) {
                              RefreshProgress progress;
                              progress.title = u"Sync";

@@ -14,13 +14,13 @@ namespace qf {
 // what the reader needs are skipped.
 
 // subscription/list: appends to `subscriptions`.
-bool ReadSubscriptionList(std::string_view json, std::vector<ServerSubscription>& subscriptions);
+bool ReadSubscriptionList(std::string_view text, std::vector<ServerSubscription>& subscriptions);
 // One page of stream/items/ids: appends to `ids`; `continuation` is what asks for the next page,
 // empty on the last one.
-bool ReadItemIdPage(std::string_view json, std::vector<uint64_t>& ids, std::string& continuation);
+bool ReadItemIdPage(std::string_view text, std::vector<uint64_t>& ids, std::string& continuation);
 // stream/items/contents: appends to `items`.
-bool ReadItemContents(std::string_view json, std::vector<ServerItem>& items);
+bool ReadItemContents(std::string_view text, std::vector<ServerItem>& items);
 // The "error_message" member of a JSON object; empty when the text has none.
-std::string JsonErrorMessage(std::string_view json);
+std::string JsonErrorMessage(std::string_view text);
 
 } // namespace qf

@@ -11,7 +11,7 @@ namespace qf {
 namespace {
 
 // No answer of the API comes near this; a server that sends more is not one to trust.
-constexpr std::size_t kAnswerLimit = 32 * 1024 * 1024;
+constexpr std::size_t kAnswerLimit = std::size_t{32} * 1024 * 1024;
 
 // Collects one answer's status and body, the body up to kAnswerLimit.
 class AnswerReceiver final : public ResponseReceiver {

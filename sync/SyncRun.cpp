@@ -132,6 +132,21 @@ bool NoteChanges(SyncJournal& journal, const std::vector<LocalChannel>& channels
     return noted;
 }
 
+using StoryPlace = std::pair<std::u16string, std::u16string>;
+
+// What the read-state merge works from and what it collects.
+struct ReadMerge {
+    // The server's item ids by stream and link.
+    std::map<std::pair<std::string, std::u16string>, std::vector<uint64_t>> byLink;
+    std::unordered_set<uint64_t> unread;
+    StoryIndex queued;
+    StoryIndex agreed;
+    std::vector<uint64_t> toRead;
+    std::vector<uint64_t> toUnread;
+    // The stories whose queued changes this sync settled.
+    std::set<StoryPlace> handled;
+};
+
 std::u16string CategoryOf(const ServerSubscription& subscription) {
     return subscription.label.empty() ? std::u16string(LoadString(kStrDefaultCategory))
                                       : subscription.label;
@@ -159,9 +174,14 @@ struct SyncRun::State {
 
     bool Fail(const GReaderClient& client);
     bool MergeSubscriptions(GReaderClient& client);
+    bool MergeServerSubscription(GReaderClient& client, const ServerSubscription& subscription,
+                                 const std::unordered_set<std::u16string>& localKeys);
+    bool MergeLocalChannel(GReaderClient& client, const LocalChannel& channel, bool& subscribed);
     bool LearnItems(GReaderClient& client, std::unordered_set<uint64_t>& unread);
     bool MergeReadStates(GReaderClient& client, const SyncProgress& progress);
-    void KeepUnsentChanges(const std::set<std::pair<std::u16string, std::u16string>>& handled);
+    void MergeStory(ReadMerge& merge, const LocalChannel& channel, const std::string& streamId,
+                    const LocalStory& story);
+    void KeepUnsentChanges(const std::set<StoryPlace>& handled);
 };
 
 bool SyncRun::State::Fail(const GReaderClient& client) {
@@ -183,50 +203,15 @@ bool SyncRun::State::MergeSubscriptions(GReaderClient& client) {
     }
     std::unordered_set<std::u16string> serverKeys;
     for (const auto& subscription : listed) {
-        const std::u16string key = SubscriptionKey(subscription.url);
-        if (!serverKeys.insert(key).second) {
-            continue;
-        }
-        if (localKeys.contains(key)) {
-            next.subscriptions[key] = subscription.streamId;
-        } else if (journal.subscriptions.contains(key)) {
-            if (!client.Unsubscribe(subscription.streamId)) {
-                if (client.loginRejected() || client.stopped()) {
-                    return Fail(client);
-                }
-                report.errors.push_back(client.errorText());
-                next.subscriptions[key] = subscription.streamId;
-                continue;
-            }
-            ++report.removedOnServer;
-        } else {
-            toAdd.push_back({subscription.url, subscription.title, CategoryOf(subscription)});
-            next.subscriptions[key] = subscription.streamId;
-            ++report.addedLocally;
+        if (serverKeys.insert(SubscriptionKey(subscription.url)).second &&
+            !MergeServerSubscription(client, subscription, localKeys)) {
+            return false;
         }
     }
     bool subscribed = false;
     for (const auto& channel : channels) {
-        if (serverKeys.contains(channel.key)) {
-            continue;
-        }
-        if (const auto was = journal.subscriptions.find(channel.key);
-            was != journal.subscriptions.end()) {
-            // Dropped on the server: unread stories keep the channel here until they are read.
-            if (channel.unread == 0) {
-                toRemove.push_back(channel.id);
-                ++report.removedLocally;
-            } else {
-                report.kept.push_back(channel.title);
-                next.subscriptions[channel.key] = was->second;
-            }
-        } else if (client.Subscribe(channel.url, channel.title, channel.category)) {
-            ++report.addedOnServer;
-            subscribed = true;
-        } else if (client.loginRejected() || client.stopped()) {
-            return Fail(client);
-        } else {
-            report.errors.push_back(client.errorText());
+        if (!serverKeys.contains(channel.key) && !MergeLocalChannel(client, channel, subscribed)) {
+            return false;
         }
     }
     if (!subscribed) {
@@ -241,6 +226,53 @@ bool SyncRun::State::MergeSubscriptions(GReaderClient& client) {
         if (localKeys.contains(key) && !next.subscriptions.contains(key)) {
             next.subscriptions[key] = subscription.streamId;
         }
+    }
+    return true;
+}
+
+// A subscription the server has: matched, dropped here since the last sync, or new there.
+bool SyncRun::State::MergeServerSubscription(GReaderClient& client,
+                                             const ServerSubscription& subscription,
+                                             const std::unordered_set<std::u16string>& localKeys) {
+    const std::u16string key = SubscriptionKey(subscription.url);
+    if (localKeys.contains(key)) {
+        next.subscriptions[key] = subscription.streamId;
+    } else if (!journal.subscriptions.contains(key)) {
+        toAdd.push_back({subscription.url, subscription.title, CategoryOf(subscription)});
+        next.subscriptions[key] = subscription.streamId;
+        ++report.addedLocally;
+    } else if (client.Unsubscribe(subscription.streamId)) {
+        ++report.removedOnServer;
+    } else if (client.loginRejected() || client.stopped()) {
+        return Fail(client);
+    } else {
+        // Tried again at the next sync.
+        report.errors.push_back(client.errorText());
+        next.subscriptions[key] = subscription.streamId;
+    }
+    return true;
+}
+
+// A channel the server lacks: dropped there since the last sync, or new here.
+bool SyncRun::State::MergeLocalChannel(GReaderClient& client, const LocalChannel& channel,
+                                       bool& subscribed) {
+    if (const auto was = journal.subscriptions.find(channel.key);
+        was != journal.subscriptions.end()) {
+        // Unread stories keep the channel here until they are read.
+        if (channel.unread == 0) {
+            toRemove.push_back(channel.id);
+            ++report.removedLocally;
+        } else {
+            report.kept.push_back(channel.title);
+            next.subscriptions[channel.key] = was->second;
+        }
+    } else if (client.Subscribe(channel.url, channel.title, channel.category)) {
+        ++report.addedOnServer;
+        subscribed = true;
+    } else if (client.loginRejected() || client.stopped()) {
+        return Fail(client);
+    } else {
+        report.errors.push_back(client.errorText());
     }
     return true;
 }
@@ -284,70 +316,69 @@ bool SyncRun::State::LearnItems(GReaderClient& client, std::unordered_set<uint64
 // the server's change counts as the later one, since it is seen only now, after every queued
 // local change.
 bool SyncRun::State::MergeReadStates(GReaderClient& client, const SyncProgress& progress) {
-    std::unordered_set<uint64_t> unread;
-    if (!LearnItems(client, unread)) {
+    ReadMerge merge;
+    if (!LearnItems(client, merge.unread)) {
         return false;
     }
-    // Items by stream and link.
-    std::map<std::pair<std::string, std::u16string>, std::vector<uint64_t>> byLink;
     for (const auto& [id, item] : next.items) {
         if (!item.link.empty()) {
-            byLink[{item.streamId, item.link}].push_back(id);
+            merge.byLink[{item.streamId, item.link}].push_back(id);
         }
     }
-    const StoryIndex queued = QueuedStates(journal);
-    const StoryIndex agreed = AgreedStates(journal);
-    std::vector<uint64_t> toRead;
-    std::vector<uint64_t> toUnread;
-    std::set<std::pair<std::u16string, std::u16string>> handled;
+    merge.queued = QueuedStates(journal);
+    merge.agreed = AgreedStates(journal);
     for (const auto& channel : channels) {
-        const auto stream = next.subscriptions.find(channel.key);
-        if (stream == next.subscriptions.end()) {
-            continue;
-        }
-        for (const auto& story : channel.stories) {
-            const auto ids = byLink.find({stream->second, story.key});
-            if (ids == byLink.end()) {
-                continue;
-            }
-            const bool serverRead = !unread.contains(ids->second.front());
-            const std::pair<std::u16string, std::u16string> where{channel.key, story.key};
-            const auto before = agreed.find(where);
-            const bool serverChanged =
-                before != agreed.end() ? serverRead != before->second : serverRead;
-            bool final = serverRead;
-            if (story.read != serverRead) {
-                if (queued.contains(where) && !serverChanged) {
-                    auto& batch = story.read ? toRead : toUnread;
-                    batch.insert(batch.end(), ids->second.begin(), ids->second.end());
-                    final = story.read;
-                    ++report.readStatesSent;
-                } else {
-                    toMark.push_back({channel.id, story.key, serverRead});
-                    ++report.readStatesReceived;
-                }
-            }
-            handled.insert(where);
-            for (const uint64_t id : ids->second) {
-                next.items[id].agreed =
-                    final ? SyncJournal::Agreed::kRead : SyncJournal::Agreed::kUnread;
+        if (const auto stream = next.subscriptions.find(channel.key);
+            stream != next.subscriptions.end()) {
+            for (const auto& story : channel.stories) {
+                MergeStory(merge, channel, stream->second, story);
             }
         }
     }
     if (progress) {
-        progress(u"Sending read states", 0, static_cast<int32_t>(toRead.size() + toUnread.size()));
+        progress(u"Sending read states", 0,
+                 static_cast<int32_t>(merge.toRead.size() + merge.toUnread.size()));
     }
-    if (!client.MarkItems(toRead, true) || !client.MarkItems(toUnread, false)) {
+    if (!client.MarkItems(merge.toRead, true) || !client.MarkItems(merge.toUnread, false)) {
         return Fail(client);
     }
-    KeepUnsentChanges(handled);
+    KeepUnsentChanges(merge.handled);
     return true;
+}
+
+void SyncRun::State::MergeStory(ReadMerge& merge, const LocalChannel& channel,
+                                const std::string& streamId, const LocalStory& story) {
+    const auto ids = merge.byLink.find({streamId, story.key});
+    if (ids == merge.byLink.end()) {
+        return;
+    }
+    const bool serverRead = !merge.unread.contains(ids->second.front());
+    const std::pair<std::u16string, std::u16string> where{channel.key, story.key};
+    const auto before = merge.agreed.find(where);
+    // Without an agreed state, an unread item is one the server never changed.
+    const bool serverChanged =
+        before != merge.agreed.end() ? serverRead != before->second : serverRead;
+    bool final = serverRead;
+    if (story.read != serverRead) {
+        if (merge.queued.contains(where) && !serverChanged) {
+            auto& batch = story.read ? merge.toRead : merge.toUnread;
+            batch.insert(batch.end(), ids->second.begin(), ids->second.end());
+            final = story.read;
+            ++report.readStatesSent;
+        } else {
+            toMark.push_back({channel.id, story.key, serverRead});
+            ++report.readStatesReceived;
+        }
+    }
+    merge.handled.insert(where);
+    for (const uint64_t id : ids->second) {
+        next.items[id].agreed = final ? SyncJournal::Agreed::kRead : SyncJournal::Agreed::kUnread;
+    }
 }
 
 // A change to a story the server does not know yet waits for a later sync, as long as its channel
 // is still synced.
-void SyncRun::State::KeepUnsentChanges(
-    const std::set<std::pair<std::u16string, std::u16string>>& handled) {
+void SyncRun::State::KeepUnsentChanges(const std::set<StoryPlace>& handled) {
     for (const auto& change : journal.changes) {
         if (!handled.contains({change.feed, change.story}) &&
             next.subscriptions.contains(change.feed)) {
@@ -380,8 +411,9 @@ SyncRun::~SyncRun() = default;
 bool SyncRun::Exchange(const std::function<bool()>& stop, const SyncProgress& progress) {
     State& state = *state_;
     if (!state.journalRead) {
-        state.report.errors.push_back(u"The sync state in the data folder cannot be read; remove "
-                                      u"QFSync.json to sync afresh.");
+        state.report.errors.emplace_back(
+            u"The sync state in the data folder cannot be read; remove "
+            u"QFSync.json to sync afresh.");
         return false;
     }
     state.next.server = state.account.server;
@@ -477,7 +509,7 @@ bool SyncRun::Finish(ChannelStore& store) {
     state.next.syncedAt = state.now;
     NoteChanges(state.next, CopyChannels(store), FeedDate::NowUtc().Ticks());
     if (!SaveSyncJournal(state.volume, state.next)) {
-        state.report.errors.push_back(u"Failed to save the sync state in the data folder.");
+        state.report.errors.emplace_back(u"Failed to save the sync state in the data folder.");
         return false;
     }
     return true;
