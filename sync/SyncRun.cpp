@@ -210,8 +210,15 @@ bool SyncRun::State::MergeSubscriptions(GReaderClient& client) {
     }
     bool subscribed = false;
     for (const auto& channel : channels) {
-        if (!serverKeys.contains(channel.key) && !MergeLocalChannel(client, channel, subscribed)) {
+        if (serverKeys.contains(channel.key)) {
+            continue;
+        }
+        if (!MergeLocalChannel(client, channel, subscribed)) {
             return false;
+        }
+        // Two channels of one feed (in two categories) are subscribed once.
+        if (!journal.subscriptions.contains(channel.key)) {
+            serverKeys.insert(channel.key);
         }
     }
     if (!subscribed) {

@@ -43,6 +43,10 @@ QString DoneText(const SyncReport& report) {
                                "them: %1.")
                     .arg(JoinTexts(report.kept, QStringLiteral(", ")));
     }
+    // A subscription the server refused is tried again at the next sync.
+    if (!report.errors.empty()) {
+        text += QStringLiteral("\n") + JoinTexts(report.errors, QStringLiteral("\n"));
+    }
     return text;
 }
 
