@@ -101,6 +101,10 @@ bool ReadSubscriptionList(std::string_view text, std::vector<ServerSubscription>
             ServerSubscription subscription;
             subscription.streamId = StringMember(entry, "id");
             subscription.url = Utf8ToUtf16(StringMember(entry, "url"));
+            // Google's own lists named the feed only in its "feed/<address>" id.
+            if (subscription.url.empty() && subscription.streamId.starts_with("feed/http")) {
+                subscription.url = Utf8ToUtf16(std::string_view(subscription.streamId).substr(5));
+            }
             if (subscription.streamId.empty() || subscription.url.empty()) {
                 continue;
             }
